@@ -1,0 +1,12 @@
+# The libraries that the project stands on; all are Debian packages for amd64 and armhf.
+find_package(Threads REQUIRED)
+find_package(fmt REQUIRED)
+find_package(spdlog REQUIRED)
+find_package(EXPAT REQUIRED)
+find_package(Boost 1.74 REQUIRED COMPONENTS program_options filesystem)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(Safec REQUIRED IMPORTED_TARGET libsafec)
+
+if(VELA_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+endif()
