@@ -1,7 +1,6 @@
 # The libraries that the project stands on; all are Debian packages for amd64 and armhf.
 find_package(Threads REQUIRED)
 find_package(fmt REQUIRED)
-find_package(spdlog REQUIRED)
 find_package(EXPAT REQUIRED)
 find_package(Boost 1.74 REQUIRED COMPONENTS program_options filesystem)
 find_package(PkgConfig REQUIRED)

@@ -40,12 +40,16 @@ public:
     /// The variable's value, or `fallback`.
     static String GetVariableValueOr(const String& name, const String& fallback);
     /// Sets a variable at run time: its override when it has one, otherwise its default, and the process environment
-    /// at once. Answers false for a name that no environment can hold (empty, or with "=" or a NUL in it).
+    /// at once (that alone before Setup). Answers false for what no environment can hold: an empty name, "=" in the
+    /// name, a NUL in name or value.
     static bool SetVariable(const String& name, const String& value);
     /// Publishes all definitions into the process environment, where child processes and other code find them.
+    /// Nothing happens before Setup.
+    /// @throws Exception when there is no memory for it
     static void RegisterEnvironmentVariables();
 
     /// Full path of the running executable.
+    /// @throws Exception
     static String GetExecutablePath();
     /// `../lib` beside the directory of the running executable.
     static String GetLibrariesDirectory();
@@ -54,6 +58,9 @@ public:
     static constexpr const char* binDirectoryName = "VELA_PATH_BIN_DIR";
     /// Where a system keeps its sockets and its lock.
     static constexpr const char* runtimeDirectoryName = "VELA_PATH_RUNTIME_DIR";
+
+private:
+    static bool FindVariable(const String& name, String& value);
 };
 
 } // namespace Vela::System::Commons

@@ -11,12 +11,14 @@ namespace Vela::System::Commons::Chrono
 class VELA_COMMONS_API TimeoutWatch
 {
 public:
+    /// Starts too.
     explicit TimeoutWatch(std::chrono::nanoseconds timeout) noexcept;
 
+    /// Begins the span anew.
     void Start() noexcept;
     /// True once the time since Start has reached the time-out; at once for a time-out of 0.
     [[nodiscard]] bool HasTimeout() const noexcept;
-    /// What is left, never negative.
+    /// What is left, rounded up to whole milliseconds, never negative.
     [[nodiscard]] std::chrono::milliseconds GetRemaining() const noexcept;
 
 private:

@@ -16,7 +16,9 @@ namespace Vela::System::Commons::Diagnostics
 /// Writes the messages of one category. Loggers are made by the registry, live to the end of the process and are
 /// thread-safe. A disabled level costs one comparison and formats nothing.
 ///
-/// Before the log manager exists messages are kept, up to a bound, and written as soon as it does.
+/// Before the log manager exists messages are kept, up to a bound, and written as soon as it does; if it never does,
+/// fatal messages and errors go to standard output at the end of the process. After the manager is disposed they go
+/// there at once.
 class VELA_COMMONS_API Logger
 {
 public:
@@ -49,15 +51,16 @@ public:
         return messageLevel <= GetLevel();
     }
 
-    /// Writes a text as it is; never throws.
+    /// Writes a text as it is, when the level is enabled; never throws.
     void Write(LogLevel messageLevel, const String& text) noexcept;
 
+    /// Formats with fmt and writes; never throws.
     template <typename... Args>
     void Log(LogLevel messageLevel, fmt::format_string<Args...> format, Args&&... args)
     {
         if (IsEnabled(messageLevel))
         {
-            Write(messageLevel, fmt::format(format, std::forward<Args>(args)...));
+            WriteFormatted(messageLevel, format, fmt::make_format_args(args...));
         }
     }
 
@@ -98,6 +101,8 @@ public:
     }
 
 private:
+    void WriteFormatted(LogLevel messageLevel, fmt::string_view format, fmt::format_args arguments) noexcept;
+
     const String category;
     std::atomic<LogLevel> level;
 };

@@ -15,9 +15,11 @@ class VELA_COMMONS_API Thread
 {
 public:
     Thread() = default;
+    /// @throws Exception when the system has no thread to give
     Thread(const String& name, std::function<void()> function);
     Thread(Thread&&) noexcept = default;
-    Thread& operator=(Thread&&) noexcept = default;
+    /// Joins the thread that stood here.
+    Thread& operator=(Thread&& other) noexcept;
     /// Joins.
     ~Thread();
 

@@ -1,0 +1,16 @@
+#include <Vela/System/Commons/Diagnostics/LogLevel.hpp>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+const EnumDictionary<LogLevel>& GetEnumDictionary(LogLevel)
+{
+    static const EnumDictionary<LogLevel> dictionary{
+        {LogLevel::None, "None"},   {LogLevel::Off, "Off"},         {LogLevel::Fatal, "Fatal"},
+        {LogLevel::Error, "Error"}, {LogLevel::Warning, "Warning"}, {LogLevel::Info, "Info"},
+        {LogLevel::Debug, "Debug"}, {LogLevel::Trace, "Trace"},
+    };
+    return dictionary;
+}
+
+} // namespace Vela::System::Commons::Diagnostics

@@ -1,0 +1,90 @@
+#include <Vela/AppDomainSingleton.hpp>
+#include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+
+#include <Diagnostics/LogManagerData.hpp>
+#include <Diagnostics/LogRegistry.hpp>
+#include <Diagnostics/LogSinks.hpp>
+
+#include <utility>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+namespace
+{
+
+LogManager& CreateWithSink(LogLevel level, std::unique_ptr<LogSink> sink)
+{
+    std::vector<std::unique_ptr<LogSink>> sinks;
+    sinks.push_back(std::move(sink));
+    AppDomain::CreateInstance();
+    return AppDomainSingleton<LogManager>::CreateInstance(
+        std::make_shared<LogManagerData>(LogLevels(level), std::move(sinks)));
+}
+
+} // namespace
+
+LogManager& LogManager::CreateInstance(LogLevel level)
+{
+    return CreateWithSink(level, std::make_unique<StandardOutputSink>(LogLevel::Trace));
+}
+
+LogManager& LogManager::CreateInstance(LogLevel level, const String& file)
+{
+    return CreateWithSink(level, std::make_unique<FileSink>(LogLevel::Trace, file, LogRotation()));
+}
+
+void LogManager::DisposeInstance()
+{
+    AppDomainSingleton<LogManager>::DisposeInstance();
+}
+
+LogManager* LogManager::TryGetInstance()
+{
+    return AppDomainSingleton<LogManager>::TryGetInstance();
+}
+
+void LogManager::AssignAppDomain(AppDomain& appDomain)
+{
+    const auto* known = Singleton<AppDomain>::TryGetInstance();
+    if (known == nullptr)
+    {
+        Singleton<AppDomain>::SetInstance(appDomain);
+    }
+    else if (known != &appDomain)
+    {
+        throw InvalidOperationException("A process has one application domain; the library was given another one.");
+    }
+}
+
+void LogManager::WriteKeptErrors() noexcept
+{
+    LogRegistry::GetInstance().WriteKeptErrors();
+}
+
+LogManager::LogManager(std::shared_ptr<LogManagerData> managerData)
+{
+    LogRegistry::GetInstance().Attach(std::move(managerData));
+}
+
+LogManager::~LogManager()
+{
+    LogRegistry::GetInstance().Detach();
+}
+
+LogLevel LogManager::GetLevel() const
+{
+    return LogRegistry::GetInstance().GetLevel();
+}
+
+void LogManager::SetLevel(const String& categoryPrefix, LogLevel level)
+{
+    LogRegistry::GetInstance().SetLevel(categoryPrefix, level);
+}
+
+void LogManager::Flush() noexcept
+{
+    LogRegistry::GetInstance().Flush();
+}
+
+} // namespace Vela::System::Commons::Diagnostics

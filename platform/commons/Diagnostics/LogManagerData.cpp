@@ -1,0 +1,67 @@
+#include <Diagnostics/LogManagerData.hpp>
+
+#include <utility>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+LogLevels::LogLevels(LogLevel defaultLevel)
+    : defaultLevel(defaultLevel)
+{
+}
+
+void LogLevels::Set(const String& categoryPrefix, LogLevel level)
+{
+    if (categoryPrefix.empty())
+    {
+        defaultLevel = level;
+        prefixes.clear();
+        return;
+    }
+    prefixes.insert_or_assign(categoryPrefix, level);
+}
+
+LogLevel LogLevels::GetDefault() const noexcept
+{
+    return defaultLevel;
+}
+
+LogLevel LogLevels::Get(const String& category) const
+{
+    String prefix = category;
+    while (!prefixes.empty() && !prefix.empty())
+    {
+        if (const auto found = prefixes.find(prefix); found != prefixes.end())
+        {
+            return found->second;
+        }
+        const auto dot = prefix.rfind('.');
+        prefix.resize(dot == String::npos ? 0 : dot);
+    }
+    return defaultLevel;
+}
+
+LogManagerData::LogManagerData(LogLevels logLevels, std::vector<std::unique_ptr<LogSink>> logSinks)
+    : levels(std::move(logLevels))
+    , processName(GetLogProcessName())
+    , sinks(std::move(logSinks))
+{
+}
+
+void LogManagerData::Write(const LogRecord& record) noexcept
+{
+    for (const auto& sink : sinks)
+    {
+        sink->Write(record, processName);
+    }
+}
+
+void LogManagerData::Flush() noexcept
+{
+    for (const auto& sink : sinks)
+    {
+        sink->Flush();
+    }
+}
+
+} // namespace Vela::System::Commons::Diagnostics

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <Diagnostics/LogSink.hpp>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+/// Levels by category: the longest prefix that ends at a dot counts.
+class LogLevels
+{
+public:
+    explicit LogLevels(LogLevel defaultLevel = LogLevel::Info);
+    /// An empty prefix sets the default and forgets all others.
+    void Set(const String& categoryPrefix, LogLevel level);
+    [[nodiscard]] LogLevel GetDefault() const noexcept;
+    [[nodiscard]] LogLevel Get(const String& category) const;
+
+private:
+    LogLevel defaultLevel;
+    std::map<String, LogLevel> prefixes;
+};
+
+/// What a log manager is made from.
+class LogManagerData
+{
+public:
+    LogManagerData(LogLevels logLevels, std::vector<std::unique_ptr<LogSink>> logSinks);
+    void Write(const LogRecord& record) noexcept;
+    void Flush() noexcept;
+
+    /// Under the registry's lock once the manager exists.
+    LogLevels levels;
+
+private:
+    const String processName;
+    const std::vector<std::unique_ptr<LogSink>> sinks;
+};
+
+} // namespace Vela::System::Commons::Diagnostics

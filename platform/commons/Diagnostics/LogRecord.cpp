@@ -1,0 +1,69 @@
+#include <Vela/AppDomain.hpp>
+#include <Vela/Singleton.hpp>
+#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
+
+#include <Diagnostics/LogRecord.hpp>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <iterator>
+#include <string_view>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+namespace
+{
+
+void AppendIndented(String& line, std::string_view text)
+{
+    while (text.ends_with('\n') || text.ends_with('\r'))
+    {
+        text.remove_suffix(1);
+    }
+    for (const char character : text)
+    {
+        if (character == '\n')
+        {
+            if (line.ends_with('\r'))
+            {
+                line.pop_back();
+            }
+            line += "\n    ";
+        }
+        else
+        {
+            line += character;
+        }
+    }
+}
+
+} // namespace
+
+String FormatLine(const LogRecord& record, const String& processName)
+{
+    const char* level = FindEnumString(record.level);
+    String line;
+    line.reserve(record.text.size() + record.category.size() + processName.size() + 64);
+    fmt::format_to(std::back_inserter(line), "{} {}[{}] {:<5} {}: ", record.time.ToString(), processName, ::getpid(),
+                   level == nullptr ? "" : level, record.category);
+    AppendIndented(line, record.text);
+    line += '\n';
+    return line;
+}
+
+String GetLogProcessName()
+{
+    if (const auto* domain = Singleton<AppDomain>::TryGetInstance())
+    {
+        String name = domain->GetApplicationName();
+        if (!name.empty())
+        {
+            return name;
+        }
+    }
+    return Io::Path::GetFileName(Environment::GetExecutablePath());
+}
+
+} // namespace Vela::System::Commons::Diagnostics

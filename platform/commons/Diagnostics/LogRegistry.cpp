@@ -1,0 +1,182 @@
+#include <Diagnostics/LogRegistry.hpp>
+#include <Diagnostics/LogSinks.hpp>
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+namespace
+{
+
+/// Room for the messages of a start; errors have as much again for themselves.
+constexpr std::size_t maximumKept = 1000;
+constexpr std::size_t maximumKeptErrors = 2 * maximumKept;
+
+bool IsError(LogLevel level)
+{
+    return level <= LogLevel::Error;
+}
+
+void WriteToStandardOutput(const LogRecord& record) noexcept
+{
+    try
+    {
+        static StandardOutputSink& sink = *new StandardOutputSink(LogLevel::Trace);
+        sink.Write(record, GetLogProcessName());
+    }
+    catch (...)
+    {
+        // Without memory or an executable there is nobody left to tell.
+        return;
+    }
+}
+
+/// At the end of a process that never got as far as its log manager, its errors must not be lost.
+const struct ExitWriter
+{
+    ~ExitWriter()
+    {
+        LogRegistry::GetInstance().WriteKeptErrors();
+    }
+} exitWriter;
+
+} // namespace
+
+LogRegistry& LogRegistry::GetInstance()
+{
+    static auto& registry = *new LogRegistry;
+    return registry;
+}
+
+Logger& LogRegistry::GetLogger(const String& category)
+{
+    const std::lock_guard lock(mutex);
+    auto& logger = loggers[category];
+    if (logger == nullptr)
+    {
+        logger = std::make_unique<Logger>(category);
+        logger->SetLevel(data == nullptr ? LogLevel::Trace : data->levels.Get(category));
+    }
+    return *logger;
+}
+
+void LogRegistry::Write(const LogRecord& record) noexcept
+{
+    std::shared_ptr<LogManagerData> current;
+    {
+        const std::lock_guard lock(mutex);
+        current = data;
+        if (current == nullptr && !(hadManager && IsError(record.level)))
+        {
+            Keep(record);
+            return;
+        }
+    }
+    if (current != nullptr)
+    {
+        current->Write(record);
+    }
+    else
+    {
+        WriteToStandardOutput(record);
+    }
+}
+
+void LogRegistry::Keep(const LogRecord& record)
+{
+    if (kept.size() < (IsError(record.level) ? maximumKeptErrors : maximumKept))
+    {
+        kept.push_back(record);
+    }
+    else
+    {
+        ++droppedMessages;
+    }
+}
+
+void LogRegistry::Attach(std::shared_ptr<LogManagerData> managerData)
+{
+    const std::lock_guard lock(mutex);
+    data = std::move(managerData);
+    hadManager = true;
+    UpdateLevels();
+    for (const auto& record : std::exchange(kept, {}))
+    {
+        if (record.level <= data->levels.Get(record.category))
+        {
+            data->Write(record);
+        }
+    }
+    if (const auto dropped = std::exchange(droppedMessages, 0); dropped > 0)
+    {
+        static const String category = "Vela.System.Commons.Diagnostics.LogManager";
+        data->Write({Chrono::DateTime::GetUtcNow(), LogLevel::Warning, category,
+                     fmt::format("{} messages from before logging began are lost.", dropped)});
+    }
+}
+
+void LogRegistry::Detach() noexcept
+{
+    const std::lock_guard lock(mutex);
+    data.reset();
+    UpdateLevels();
+}
+
+void LogRegistry::WriteKeptErrors() noexcept
+{
+    std::deque<LogRecord> records;
+    {
+        const std::lock_guard lock(mutex);
+        records.swap(kept);
+    }
+    for (const auto& record : records)
+    {
+        if (IsError(record.level))
+        {
+            WriteToStandardOutput(record);
+        }
+    }
+}
+
+void LogRegistry::Flush() noexcept
+{
+    if (const auto current = GetData())
+    {
+        current->Flush();
+    }
+}
+
+std::shared_ptr<LogManagerData> LogRegistry::GetData() const
+{
+    const std::lock_guard lock(mutex);
+    return data;
+}
+
+LogLevel LogRegistry::GetLevel() const
+{
+    const std::lock_guard lock(mutex);
+    return data == nullptr ? LogLevel::None : data->levels.GetDefault();
+}
+
+void LogRegistry::SetLevel(const String& categoryPrefix, LogLevel level)
+{
+    const std::lock_guard lock(mutex);
+    if (data != nullptr)
+    {
+        data->levels.Set(categoryPrefix, level);
+        UpdateLevels();
+    }
+}
+
+void LogRegistry::UpdateLevels() noexcept
+{
+    for (const auto& [category, logger] : loggers)
+    {
+        // What is kept is judged by its level when it is written.
+        logger->SetLevel(data == nullptr ? LogLevel::Trace : data->levels.Get(category));
+    }
+}
+
+} // namespace Vela::System::Commons::Diagnostics

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <Vela/System/Commons/Diagnostics/Logger.hpp>
+
+#include <Diagnostics/LogManagerData.hpp>
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+
+namespace Vela::System::Commons::Diagnostics
+{
+
+/// All loggers of a process, and the log manager's data while there is a manager. Without one messages are kept.
+class LogRegistry
+{
+public:
+    /// Never destroyed: loggers are used to the very end of the process.
+    static LogRegistry& GetInstance();
+
+    Logger& GetLogger(const String& category);
+    void Write(const LogRecord& record) noexcept;
+
+    /// Begins to write, first what was kept.
+    void Attach(std::shared_ptr<LogManagerData> managerData);
+    /// Begins to keep again; from now on errors go to standard output at once, since nobody may come for them.
+    void Detach() noexcept;
+    /// Writes the errors among the kept messages to standard output and forgets the rest.
+    void WriteKeptErrors() noexcept;
+
+    /// Waits for messages that other threads are writing.
+    void Flush() noexcept;
+
+    [[nodiscard]] LogLevel GetLevel() const;
+    void SetLevel(const String& categoryPrefix, LogLevel level);
+
+private:
+    [[nodiscard]] std::shared_ptr<LogManagerData> GetData() const;
+    void Keep(const LogRecord& record);
+    void UpdateLevels() noexcept;
+
+    mutable std::mutex mutex;
+    std::map<String, std::unique_ptr<Logger>> loggers;
+    std::shared_ptr<LogManagerData> data;
+    std::deque<LogRecord> kept;
+    std::size_t droppedMessages = 0;
+    bool hadManager = false;
+};
+
+} // namespace Vela::System::Commons::Diagnostics
