@@ -1,0 +1,32 @@
+#pragma once
+
+#include <Vela/String.hpp>
+#include <Vela/System/Nm/Api.hpp>
+
+namespace Vela::System::Nm
+{
+
+/// Sets up and ends the notifications of a process. To be called by the host of the process alone, on its main thread,
+/// after remoting is set up and before it is disposed.
+class VELA_NM_API NotificationManagerSetup
+{
+public:
+    /// Makes the notification manager, with the broker in the main process, without it in any other, which then sends
+    /// and subscribes through remoting. A tool without an endpoint of its own sets up without broker.
+    /// @param applicationName name of the process, as its notifications state it
+    /// @param settingsPath document with the limits of queues; empty: the defaults
+    /// @throws InvalidOperationException when there is a notification manager already
+    /// @throws XmlException, NotExistException when the document is malformed or missing
+    static void Setup(const String& applicationName, bool withBroker, const String& settingsPath = {});
+
+    /// Lets the broker deliver: what was sent so far, and from now on everything at once. Nothing happens in a process
+    /// without broker, and when it dispatches already.
+    static void StartDispatching();
+
+    /// Ends the notifications of this process: hands on what it has sent, waits, within bounds, for a callback in
+    /// progress and for calls of other processes. Nothing happens when there is no notification manager. Not from
+    /// inside a subscription's callback.
+    static void Dispose();
+};
+
+} // namespace Vela::System::Nm
