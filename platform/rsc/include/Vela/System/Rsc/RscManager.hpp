@@ -1,0 +1,60 @@
+#pragma once
+
+#include <Vela/AppDomain.hpp>
+#include <Vela/String.hpp>
+#include <Vela/System/Rsc/Api.hpp>
+#include <Vela/System/Rsc/RscManagerOptions.hpp>
+
+#include <memory>
+
+namespace Vela::System::Rsc
+{
+
+class RscRuntime;
+
+/// The remoting of a process: its endpoint, published services and connections; an app-domain singleton.
+///
+/// Every process has a Unix socket in the system's runtime directory, which VELA_PATH_RUNTIME_DIR names; without the
+/// variable it stands in the user's own runtime directory. The main process holds the directory's lock for its life.
+class VELA_RSC_API RscManager
+{
+public:
+    /// Opens the endpoint and begins to serve.
+    /// @param port  TCP port to listen on besides, on the loopback interface; 0: none; -1: the one that the environment
+    ///              variable "VelaGatewayPort" names, if any
+    /// @throws InvalidOperationException when there is a manager already, another main process has the runtime
+    ///         directory or another process has the name; Exception when an endpoint cannot be made
+    static RscManager& CreateInstance(const String& applicationName, int port, const RscManagerOptions& options,
+                                      bool isMainProcess);
+    /// The same, with the options of a settings file.
+    /// @throws as RscManagerOptions::Load besides
+    static RscManager& CreateInstance(const String& applicationName, int port, const String& settingsPath,
+                                      bool isMainProcess);
+    /// Closes the endpoint, lets calls in progress end and be answered within the close time-out, then closes every
+    /// connection. Proxies may outlive it; their calls fail. Without an instance nothing happens. Not from inside a
+    /// call.
+    /// @return false when a call is still running: the code that it runs must stay mapped
+    static bool DisposeInstance();
+    /// Called by component libraries, so that they publish into the host's remoting.
+    static void AssignAppDomain(AppDomain& appDomain);
+
+    /// Closes the connections to all other processes for good: calls of proxies made so far fail, services looked up
+    /// later connect anew.
+    /// @param abortCalls  true: calls in progress fail at once; false: they may end
+    void CloseAllClients(bool abortCalls);
+    /// The TCP port that the process listens on; 0: none.
+    [[nodiscard]] int GetPort() const noexcept;
+
+    explicit RscManager(std::shared_ptr<RscRuntime> rscRuntime);
+    RscManager(const RscManager&) = delete;
+    RscManager& operator=(const RscManager&) = delete;
+    ~RscManager();
+
+    /// The variable with the main process's TCP port.
+    static constexpr const char* gatewayPortVariable = "VelaGatewayPort";
+
+private:
+    std::shared_ptr<RscRuntime> runtime;
+};
+
+} // namespace Vela::System::Rsc
