@@ -120,6 +120,16 @@ ArgumentNullException::ArgumentNullException(String message, const String& detai
 {
 }
 
+InvalidConfigException::InvalidConfigException(ExceptionKind kind, String message, const String& detail)
+    : ExceptionOfKind(kind, std::move(message), detail)
+{
+}
+
+InvalidConfigException InvalidConfigException::At(const String& position, String message)
+{
+    return {ExceptionKind::InvalidConfig, std::move(message), position};
+}
+
 XmlException::XmlException(ExceptionKind kind, String message, const String& detail)
     : ExceptionOfKind(kind, std::move(message), detail)
 {

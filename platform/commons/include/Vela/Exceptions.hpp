@@ -158,7 +158,12 @@ class VELA_COMMONS_API InvalidConfigException : public ExceptionOfKind<Exception
 {
 public:
     using ExceptionOfKind::ExceptionOfKind;
+    /// The message and, as detail, the position in the document ("/etc/a.config:12, included from ...").
+    static InvalidConfigException At(const String& position, String message);
     ~InvalidConfigException() override;
+
+protected:
+    InvalidConfigException(ExceptionKind kind, String message, const String& detail);
 };
 
 /// A document is malformed; the detail names file, line and the chain of includes.

@@ -1,0 +1,221 @@
+#include "XmlParser.hpp"
+
+#include <Vela/System/Commons/Xml/XmlReader.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <type_traits>
+#include <utility>
+
+namespace Vela::System::Commons::Xml
+{
+
+struct XmlReader::OpenElement
+{
+    String name;
+    std::vector<XmlAttribute> attributes;
+    unsigned long line;
+    bool isSkipped = false;
+};
+
+XmlReader::XmlReader(std::shared_ptr<const XmlSource> documentSource, std::string_view text)
+    : source(std::move(documentSource))
+    , parser(std::make_unique<XmlParser>(source, text))
+    , event(std::make_unique<XmlEvent>())
+{
+    parser->Next(*event);
+}
+
+XmlReader::~XmlReader() = default;
+
+bool XmlReader::ReadStartElement(String& name)
+{
+    while (event->kind == XmlEvent::Kind::Text)
+    {
+        WarnOfText();
+        parser->Next(*event);
+    }
+    if (event->kind != XmlEvent::Kind::StartElement)
+    {
+        return false;
+    }
+    name = event->name;
+    elements.push_back({std::move(event->name), std::move(event->attributes), event->line});
+    parser->Next(*event);
+    return true;
+}
+
+void XmlReader::ReadEndElement()
+{
+    String child;
+    const bool isSkipped = Current().isSkipped;
+    while (ReadStartElement(child))
+    {
+        if (!isSkipped)
+        {
+            log.Warning("Element '{0}' is not known inside '{1}', it is skipped. ({2})", child,
+                        elements[elements.size() - 2].name, GetPosition().ToString());
+        }
+        SkipElement();
+        ReadEndElement();
+    }
+    if (!isSkipped)
+    {
+        WarnOfUnusedAttributes(Current());
+    }
+    elements.pop_back();
+    // Behind the root element this reaches the end of the document, or what is wrong there.
+    parser->Next(*event);
+}
+
+void XmlReader::SkipElement()
+{
+    Current().isSkipped = true;
+}
+
+const String& XmlReader::GetElementName() const
+{
+    static const String none;
+    return elements.empty() ? none : elements.back().name;
+}
+
+XmlPosition XmlReader::GetPosition() const
+{
+    return {source, elements.empty() ? event->line : elements.back().line};
+}
+
+XmlReader::OpenElement& XmlReader::Current()
+{
+    if (elements.empty())
+    {
+        throw InvalidOperationException("No element of '{0}' is being read.", source->path);
+    }
+    return elements.back();
+}
+
+void XmlReader::WarnOfUnusedAttributes(const OpenElement& element)
+{
+    for (const XmlAttribute& attribute : element.attributes)
+    {
+        if (!attribute.isUsed)
+        {
+            log.Warning("Attribute '{0}' of element '{1}' is not known, it is ignored. ({2})", attribute.name,
+                        element.name, GetPosition().ToString());
+        }
+    }
+}
+
+void XmlReader::WarnOfText()
+{
+    if (!Current().isSkipped)
+    {
+        log.Warning("Text inside element '{0}' is ignored. ({1})", GetElementName(),
+                    XmlPosition(source, event->line).ToString());
+    }
+}
+
+const String* XmlReader::FindAttribute(std::string_view name)
+{
+    for (XmlAttribute& attribute : Current().attributes)
+    {
+        if (attribute.name == name)
+        {
+            attribute.isUsed = true;
+            return &attribute.value;
+        }
+    }
+    return nullptr;
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, String& value)
+{
+    const String* text = FindAttribute(name);
+    if (text != nullptr)
+    {
+        value = *text;
+    }
+    return text != nullptr;
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, bool& value)
+{
+    const String* text = FindAttribute(name);
+    if (text == nullptr)
+    {
+        return false;
+    }
+    const bool isTrue = *text == "true" || *text == "1";
+    if (!isTrue && *text != "false" && *text != "0")
+    {
+        throw Error("Cast of attribute {0} to {1} failed value: {2}", name, "bool", *text);
+    }
+    value = isTrue;
+    return true;
+}
+
+template <typename Number>
+bool XmlReader::TryGetNumber(std::string_view name, const char* typeName, Number& value)
+{
+    const String* text = FindAttribute(name);
+    if (text == nullptr)
+    {
+        return false;
+    }
+    std::string_view digits = *text;
+    if (digits.size() > 1 && digits.front() == '+' && digits[1] != '-')
+    {
+        digits.remove_prefix(1);
+    }
+    Number number{};
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    bool isValid = error == std::errc() && end == digits.data() + digits.size();
+    if constexpr (std::is_floating_point_v<Number>)
+    {
+        isValid = isValid && std::isfinite(number);
+    }
+    if (!isValid)
+    {
+        throw Error("Cast of attribute {0} to {1} failed value: {2}", name, typeName, *text);
+    }
+    value = number;
+    return true;
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, std::int32_t& value)
+{
+    return TryGetNumber(name, "int32", value);
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, std::uint32_t& value)
+{
+    return TryGetNumber(name, "uint32", value);
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, std::uint16_t& value)
+{
+    return TryGetNumber(name, "uint16", value);
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, std::int64_t& value)
+{
+    return TryGetNumber(name, "int64", value);
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, double& value)
+{
+    return TryGetNumber(name, "double", value);
+}
+
+bool XmlReader::TryGetAttributeValue(std::string_view name, Chrono::Duration& value)
+{
+    const String* text = FindAttribute(name);
+    if (text != nullptr && !Chrono::Duration::TryParse(*text, value))
+    {
+        throw Error("TryGetAttributeValueDuration failed for attribute '{0}' in element '{1}': invalid duration format "
+                    "in value '{2}'",
+                    name, GetElementName(), *text);
+    }
+    return text != nullptr;
+}
+
+} // namespace Vela::System::Commons::Xml
