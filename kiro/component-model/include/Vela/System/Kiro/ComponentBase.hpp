@@ -62,9 +62,9 @@ public:
 protected:
     /// Publishes a remote service under this component's name; for use in PublishServices. The framework withdraws it
     /// when the component is destroyed.
-    /// @param serviceName  the service's interface name
-    /// @param serviceFactory  makes the service's objects; must live until the component is destroyed
-    /// @throws Exception when the service cannot be published
+    /// @param serviceName  the name that the service is found by; null or empty: its interface's name
+    /// @param serviceFactory  makes the service's objects; needed during the call only
+    /// @throws InvalidOperationException when the component publishes that name already; Exception without remoting
     void PublishComponentService(const char* serviceName, Rsc::IRscServiceFactory* serviceFactory);
 
 private:
