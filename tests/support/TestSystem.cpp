@@ -1,0 +1,54 @@
+#include "TestSystem.hpp"
+
+#include <sys/stat.h>
+
+namespace Vela::Testing
+{
+
+namespace fs = std::filesystem;
+
+TestSystem::TestSystem()
+    : environment{{"VELA_PATH_RUNTIME_DIR", GetRuntimeDirectory()}}
+{
+    mkdir(GetRuntimeDirectory().c_str(), S_IRWXU);
+    WriteSettings("");
+    WriteConfig("");
+}
+
+void TestSystem::WriteSettings(const std::string& elements) const
+{
+    directory.Write("Default.kiro.settings", "<KiroSettingsDocument>\n" + elements + "\n</KiroSettingsDocument>\n");
+}
+
+void TestSystem::WriteConfig(const std::string& elements) const
+{
+    directory.Write("Default.kiro.config",
+                    "<KiroConfigurationDocument>\n" + elements + "\n</KiroConfigurationDocument>\n");
+}
+
+StartedProcess TestSystem::Start(const std::vector<std::string>& arguments, int standardInput) const
+{
+    return StartedProcess(GetBuiltFile("bin/Vela.System.Application"), arguments, environment,
+                          directory.GetPath().string(), standardInput);
+}
+
+std::string TestSystem::FindLeftovers() const
+{
+    std::string names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(GetRuntimeDirectory()))
+    {
+        const std::string name = entry.path().filename().string();
+        if (name.find("lock") == std::string::npos)
+        {
+            names += name + " ";
+        }
+    }
+    return names;
+}
+
+std::string TestSystem::GetBuiltFile(const std::string& name)
+{
+    return (fs::read_symlink("/proc/self/exe").parent_path().parent_path() / name).string();
+}
+
+} // namespace Vela::Testing
