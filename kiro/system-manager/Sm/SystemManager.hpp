@@ -31,7 +31,7 @@ namespace Vela::System::Kiro::Internal::Sm
 class SystemManager : private Commons::Diagnostics::Loggable<SystemManager>
 {
 public:
-    SystemManager(ISystemManagerHost& application, const Settings::ProcessSettings& processSettings,
+    SystemManager(ISystemManagerHost& systemManagerHost, const Settings::ProcessSettings& settings,
                   bool isSingleProcess);
     SystemManager(const SystemManager&) = delete;
     SystemManager& operator=(const SystemManager&) = delete;
@@ -83,7 +83,7 @@ private:
     void PublishSnapshot();
     void UnpublishServices();
 
-    ISystemManagerHost& application;
+    ISystemManagerHost& host;
     Data::ProcessTable processes;
     const bool singleProcess;
     const Settings::ProcessSettings& processSettings;

@@ -3,6 +3,7 @@
 #include <Sm/Data/ComponentExecutionData.hpp>
 
 #include <Vela/String.hpp>
+#include <Vela/System/Kiro/Services/ComponentInfo.hpp>
 #include <Vela/System/Kiro/Services/Internal/IProcessManagerService.hpp>
 
 #include <cstdint>
@@ -37,6 +38,17 @@ struct SystemSnapshot
 
     [[nodiscard]] static std::shared_ptr<const SystemSnapshot> Make(const ServiceTable& services,
                                                                     const Data::ExecutionList& executionList);
+
+    /// The names of the connected processes in ascending order.
+    [[nodiscard]] std::vector<String> GetApplicationNames() const;
+    /// The names of all components of exactly this type in execution order.
+    [[nodiscard]] std::vector<String> GetComponentsOfType(const String& type) const;
+    /// Empty when there is no such component.
+    [[nodiscard]] String GetProcessNameOfComponent(const String& name) const;
+    /// The given descriptions, then one for each component in execution order.
+    /// @throws ArgumentException for a text that a description cannot hold
+    [[nodiscard]] std::vector<Services::ComponentInfo> GetComponentInfos(
+        std::vector<Services::ComponentInfo> defaultInfos) const;
 };
 
 /// Hands the newest snapshot from the thread that changes the system to those that answer queries. Thread-safe.

@@ -1,0 +1,362 @@
+#include <Sm/ComponentsController.hpp>
+
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Kiro/ComponentCategory.hpp>
+#include <Vela/System/Rsc/RscString.hpp>
+
+#include <vector>
+
+namespace Vela::System::Kiro::Internal::Sm
+{
+
+using Data::ComponentData;
+using Data::LibraryData;
+using Data::ProcessData;
+using RemoteName = Rsc::RscString<512>;
+
+namespace
+{
+
+String Describe(const CaughtException& failure, const FailureTexts& texts, const String& componentName)
+{
+    return failure.Describe(texts.known, texts.unspecified, componentName);
+}
+
+} // namespace
+
+ComponentsController::ComponentsController(const ISystemManagerHost& systemManagerHost,
+                                           const Data::ProcessTable& processTable, SlowCallWatcher& slowCallWatcher)
+    : host(systemManagerHost)
+    , processes(processTable)
+    , slowCalls(slowCallWatcher)
+{
+}
+
+void ComponentsController::SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess)
+{
+    log.Debug("Parse component configuration.");
+    const String mainProcessName = host.GetName();
+    const auto& libraries = configuration.libraries.GetItems();
+    for (const auto& [name, configured] : configuration.components.GetItems())
+    {
+        const bool isInMainProcess = singleProcess || configured.process.empty();
+        const auto process = processes.find(isInMainProcess ? mainProcessName : configured.process);
+        if (process == processes.end())
+        {
+            throw InvalidConfigException("Component '{0}' has an invalid configuration: Process '{1}' is unknown.",
+                                         name, configured.process);
+        }
+
+        auto component = std::make_shared<ComponentData>();
+        component->name = name;
+        component->type = configured.type;
+        component->library = configured.library;
+        component->settingsPath = configured.settings.path;
+        component->isRequired = configured.isRequired;
+        component->isEnabled = configured.isEnabled;
+        component->hasStartOrder = configured.hasStartOrder;
+        component->startOrder = static_cast<std::uint32_t>(configured.startOrder);
+
+        if (!component->library.empty())
+        {
+            const auto library = libraries.find(component->library);
+            if (library == libraries.end())
+            {
+                throw InvalidConfigException("Component '{0}' has an invalid configuration: Library '{1}' is unknown.",
+                                             name, component->library);
+            }
+            auto& record = process->second->libraries[component->library];
+            if (!record)
+            {
+                record = std::make_shared<LibraryData>();
+                record->name = library->second.name;
+                record->path = library->second.binaryPath;
+            }
+        }
+        process->second->components.emplace(name, std::move(component));
+    }
+}
+
+void ComponentsController::CreateComponents()
+{
+    for (const auto& [processName, process] : processes)
+    {
+        if (!process->processManagerService)
+        {
+            continue;
+        }
+        for (const auto& [name, component] : process->components)
+        {
+            CreateComponent(component, process);
+        }
+    }
+}
+
+void ComponentsController::CreateComponent(const std::shared_ptr<ComponentData>& component,
+                                           const std::shared_ptr<ProcessData>& process)
+{
+    log.Debug("Creating component '{0}' in process '{1}'.", component->name, process->name);
+    const auto service = process->processManagerService;
+    const auto properties = [&]
+    {
+        const SlowCallWatcher::Watch watch(slowCalls, "CreateComponent", "component", component->name, process->name);
+        return service->CreateComponent(RemoteName(component->type), RemoteName(component->name),
+                                        RemoteName(component->library));
+    }();
+    log.Info("Component '{0}' in process '{1}' created.", component->name, process->name);
+
+    component->isControllerComponent = properties.IsControllerComponent;
+    component->isCreated = true;
+    component->isRequired = component->isRequired || properties.IsSystemComponent;
+
+    std::uint32_t startOrder = properties.StartOrder;
+    if (component->hasStartOrder)
+    {
+        startOrder = component->startOrder;
+        log.Debug("Start order of Component '{0}' was overwritten by configuration. (Original: {1} Configured:{2})",
+                  component->name, properties.StartOrder, startOrder);
+    }
+    AddComponentToExecutionList(process, component, startOrder, properties.Category != ComponentCategory::None);
+}
+
+void ComponentsController::AddComponentToExecutionList(const std::shared_ptr<ProcessData>& process,
+                                                       const std::shared_ptr<ComponentData>& component,
+                                                       std::uint32_t startOrder, bool hasCategory)
+{
+    if (!hasCategory)
+    {
+        log.Warning("Component '{0}' in process '{1}' ignored for execution: Component category is 'None'.",
+                    component->name, process->name);
+        return;
+    }
+    Entry entry;
+    entry.startOrder = startOrder;
+    entry.process = process;
+    entry.component = component;
+    executionList.emplace(startOrder, std::move(entry));
+}
+
+void ComponentsController::SetupComponentsSettings()
+{
+    RunForward(LifecycleSteps::setupSettings, [](const Entry& entry) { return entry.component->isEnabled; });
+}
+
+bool ComponentsController::SetupComponentsConfig()
+{
+    const auto result =
+        RunForward(LifecycleSteps::setupConfig, [](const Entry& entry) { return entry.component->isEnabled; });
+    return !result.hasOptionalFailed;
+}
+
+bool ComponentsController::StartComponents()
+{
+    const auto result = RunForward(LifecycleSteps::start,
+                                   [](const Entry& entry) {
+                                       return entry.component->isEnabled && entry.isSettingsSetup &&
+                                              entry.component->isControllerComponent;
+                                   });
+    return !result.hasRequiredFailed;
+}
+
+ComponentsController::ForwardResult ComponentsController::RunForward(const ForwardPhase& phase,
+                                                                     bool (*isEligible)(const Entry&))
+{
+    ForwardResult result;
+    std::vector<Entry*> visited;
+    std::list<String> removals;
+    for (auto& [startOrder, entry] : executionList)
+    {
+        if (!isEligible(entry))
+        {
+            continue;
+        }
+        visited.push_back(&entry);
+        try
+        {
+            if (!StepForward(phase, entry))
+            {
+                removals.push_back(entry.component->name);
+            }
+        }
+        catch (...)
+        {
+            log.Write(Commons::Diagnostics::LogLevel::Error,
+                      Describe(CaughtException::Current(), phase.failure, entry.component->name));
+            if (phase.rollBack != nullptr)
+            {
+                for (auto undone = visited.rbegin(); undone != visited.rend(); ++undone)
+                {
+                    StepBackward(*phase.rollBack, **undone);
+                }
+                throw;
+            }
+            result.hasRequiredFailed = true;
+        }
+    }
+    result.hasOptionalFailed = !removals.empty();
+    RemoveComponents(removals);
+    return result;
+}
+
+bool ComponentsController::StepForward(const ForwardPhase& phase, Entry& entry)
+{
+    const String& name = entry.component->name;
+    if (phase.needsSettings && !entry.isSettingsSetup)
+    {
+        throw InvalidOperationException("Component '{0}' was not setup or configured yet", name);
+    }
+    bool& mark = phase.step.mark(entry);
+    if (phase.isOnce && mark)
+    {
+        return true;
+    }
+    try
+    {
+        log.Debug(phase.step.begins, name, entry.process->name);
+        mark = true;
+        CallStep(phase.step, entry);
+        log.Debug(phase.step.ends, name, entry.process->name);
+        return true;
+    }
+    catch (...)
+    {
+        log.Write(Commons::Diagnostics::LogLevel::Error,
+                  Describe(CaughtException::Current(), phase.step.failure, name));
+        if (entry.component->isRequired)
+        {
+            throw;
+        }
+        return false;
+    }
+}
+
+std::optional<CaughtException> ComponentsController::RunBackward(const BackwardPhase& phase)
+{
+    std::optional<CaughtException> firstFailure;
+    for (auto entry = executionList.rbegin(); entry != executionList.rend(); ++entry)
+    {
+        auto failure = StepBackward(phase, entry->second);
+        if (failure && !firstFailure)
+        {
+            firstFailure = std::move(failure);
+        }
+    }
+    return firstFailure;
+}
+
+std::optional<CaughtException> ComponentsController::StepBackward(const BackwardPhase& phase, Entry& entry)
+{
+    bool& mark = phase.step.mark(entry);
+    if (!mark)
+    {
+        return std::nullopt;
+    }
+    const String& name = entry.component->name;
+    std::optional<CaughtException> failure;
+    try
+    {
+        log.Debug(phase.step.begins, name, entry.process->name);
+        CallStep(phase.step, entry);
+        log.Debug(phase.step.ends, name, entry.process->name);
+    }
+    catch (...)
+    {
+        failure = CaughtException::Current();
+        log.Write(Commons::Diagnostics::LogLevel::Error, Describe(*failure, phase.step.failure, name));
+    }
+    mark = mark && !phase.clearsMark;
+    return failure;
+}
+
+void ComponentsController::CallStep(const LifecycleStep& step, const Entry& entry)
+{
+    const auto service = entry.process->processManagerService;
+    if (!service)
+    {
+        throw InvalidOperationException("Process '{0}' is not connected.", entry.process->name);
+    }
+    for (const RemoteStep& call : step.calls)
+    {
+        const SlowCallWatcher::Watch watch(slowCalls, call.name, "component", entry.component->name,
+                                           entry.process->name);
+        call.call(*service, *entry.component);
+    }
+}
+
+void ComponentsController::StopComponents()
+{
+    RunBackward(LifecycleSteps::stop);
+}
+
+void ComponentsController::ResetComponentsConfig()
+{
+    RunBackward(LifecycleSteps::resetConfig);
+}
+
+void ComponentsController::DisposeComponents()
+{
+    RunBackward(LifecycleSteps::dispose);
+}
+
+void ComponentsController::PowerDownComponents()
+{
+    RunBackward(LifecycleSteps::powerDown);
+}
+
+void ComponentsController::DestroyComponents()
+{
+    const auto failure = RunBackward(LifecycleSteps::destroy);
+    executionList.clear();
+    if (failure)
+    {
+        failure->Throw();
+    }
+}
+
+void ComponentsController::Dispose()
+{
+    StopComponents();
+    ResetComponentsConfig();
+    DisposeComponents();
+    DestroyComponents();
+}
+
+void ComponentsController::RemoveComponents(const std::list<String>& names)
+{
+    for (const String& name : names)
+    {
+        RemoveComponent(name);
+    }
+}
+
+void ComponentsController::RemoveComponent(const String& name)
+{
+    log.Error("Component '{0}' will be disposed and removed.", name);
+    const auto found = std::find_if(executionList.begin(), executionList.end(),
+                                    [&](const auto& entry) { return entry.second.component->name == name; });
+    if (found != executionList.end())
+    {
+        StepBackward(LifecycleSteps::dispose, found->second);
+        StepBackward(LifecycleSteps::destroy, found->second);
+        executionList.erase(found);
+    }
+}
+
+bool ComponentsController::TryGetComponentData(const String& name, Data::ComponentExecutionData& result) const
+{
+    const auto found = std::find_if(executionList.begin(), executionList.end(),
+                                    [&](const auto& entry) { return entry.second.component->name == name; });
+    if (found == executionList.end())
+    {
+        return false;
+    }
+    result = found->second;
+    return true;
+}
+
+const Data::ExecutionList& ComponentsController::GetExecutionList() const noexcept
+{
+    return executionList;
+}
+
+} // namespace Vela::System::Kiro::Internal::Sm

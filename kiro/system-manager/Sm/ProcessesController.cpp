@@ -1,0 +1,406 @@
+#include <Sm/ChildCommandLine.hpp>
+#include <Sm/ProcessesController.hpp>
+
+#include <Vela/CaughtException.hpp>
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+#include <Vela/System/Rsc/RscString.hpp>
+#include <Vela/System/Rsc/RscVariant.hpp>
+
+#include <cstdlib>
+#include <optional>
+#include <utility>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace Vela::System::Kiro::Internal::Sm
+{
+
+using Commons::Chrono::TimeoutWatch;
+using Data::ProcessData;
+
+namespace
+{
+
+/// The longest pause between two looks at the processes.
+constexpr std::chrono::milliseconds longestPause{500};
+
+} // namespace
+
+ProcessesController::ProcessesController(ISystemManagerHost& systemManagerHost, Data::ProcessTable& processTable,
+                                         const Settings::ProcessSettings& settings, SlowCallWatcher& slowCallWatcher,
+                                         ProcessConnector processConnector)
+    : host(systemManagerHost)
+    , processes(processTable)
+    , processSettings(settings)
+    , slowCalls(slowCallWatcher)
+    , connector(std::move(processConnector))
+    , watchdog("ProcessesWatchdog", [this] { ProcessesWatchdogRun(); }, settings.GetWatchdogIdleTime())
+{
+}
+
+void ProcessesController::SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess)
+{
+    const String mainProcessName = host.GetName();
+    for (const auto& [name, configured] : configuration.processes.GetItems())
+    {
+        auto process = std::make_shared<ProcessData>();
+        process->name = name.empty() || singleProcess ? mainProcessName : name;
+        process->settingsPath = configured.settingsPath;
+        process->core = configured.core;
+        process->localTcpPort = configured.localTcpPort;
+        process->debugBreak = configured.debugBreak;
+        process->args = configured.args;
+        process->processOwner = configured.processOwner;
+        process->workingDirectory = configured.workingDirectory;
+        process->binaryPath = configured.binaryPath;
+        // The main process is this one, whatever its entry says.
+        process->isExternal = configured.isExternal && process->name != mainProcessName;
+        if (!singleProcess)
+        {
+            WarnOfIneffectiveAttributes(*process);
+        }
+        processes.emplace(process->name, process);
+    }
+    auto& mainProcess = processes[mainProcessName];
+    if (!mainProcess)
+    {
+        mainProcess = std::make_shared<ProcessData>();
+        mainProcess->name = mainProcessName;
+    }
+}
+
+void ProcessesController::WarnOfIneffectiveAttributes(const ProcessData& process) const
+{
+    const bool isMain = IsMainProcess(process);
+    const bool isForeign = isMain || process.isExternal;
+    const bool isOther = isForeign || !process.binaryPath.empty();
+    const std::pair<const char*, bool> attributes[] = {
+        {"processOwner", !process.processOwner.empty()},
+        {"workingDirectory", isForeign && !process.workingDirectory.empty()},
+        {"binaryPath", isForeign && !process.binaryPath.empty()},
+        {"args", isForeign && !process.args.empty()},
+        {"settingsPath", isOther && !process.settingsPath.empty()},
+        {"core", process.core < 0 || (isOther && process.core != 0)},
+        {"localTcpPort", process.localTcpPort < 0 || (isOther && process.localTcpPort != 0)},
+        {"debugBreak", isOther && process.debugBreak},
+    };
+    for (const auto& [name, isIneffective] : attributes)
+    {
+        if (isIneffective)
+        {
+            log.Warning("Process '{0}': attribute '{1}' has no effect{2}.", process.name, name,
+                        isMain               ? " on the main process"
+                        : process.isExternal ? " on an external process"
+                        : isOther            ? " on a process with an executable of its own"
+                                             : "");
+        }
+    }
+}
+
+bool ProcessesController::IsMainProcess(const ProcessData& process) const
+{
+    return process.name == host.GetName();
+}
+
+void ProcessesController::StartProcesses()
+{
+    host.RunWithOriginalAffinity(
+        [this]
+        {
+            for (const auto& [name, process] : processes)
+            {
+                if (!process->isExternal && !IsMainProcess(*process))
+                {
+                    StartChild(*process);
+                }
+            }
+        });
+
+    TimeoutWatch watch(processSettings.GetStartWaitTime());
+    watch.Start();
+    if (!ConnectAll(watch))
+    {
+        for (const auto& [name, process] : processes)
+        {
+            if (!process->isExternal && !process->processManagerService)
+            {
+                log.Error("Could not start process '{0}'.", name);
+            }
+        }
+        throw InvalidOperationException("Could not start all processes");
+    }
+    watchdog.Start();
+}
+
+void ProcessesController::StartChild(ProcessData& process)
+{
+    Commons::Runtime::ProcessStartOptions options;
+    options.environment = host.GetChildEnvironment();
+    options.environment[parentProcessIdVariable] = std::to_string(getpid());
+    try
+    {
+        if (process.binaryPath.empty())
+        {
+            process.process.Start(process.workingDirectory, host.GetExecutablePath(), BuildChildArguments(process),
+                                  options);
+        }
+        else
+        {
+            process.process.Start(process.workingDirectory, process.binaryPath, process.args, options);
+        }
+    }
+    catch (...)
+    {
+        log.Error("Could not start process '{0}'.", process.name);
+        throw;
+    }
+}
+
+bool ProcessesController::ConnectAll(const TimeoutWatch& watch)
+{
+    while (!watch.HasTimeout())
+    {
+        bool hasFailed = false;
+        ProcessData* firstMissing = nullptr;
+        for (const auto& [name, process] : processes)
+        {
+            if (process->isExternal)
+            {
+                continue;
+            }
+            if (process->process.HasExited())
+            {
+                log.Error("Process '{}' has exited unexpectedly at startup.", name);
+                hasFailed = true;
+            }
+            else if (!process->processManagerService && !Connect(*process, {}, {}) && firstMissing == nullptr)
+            {
+                firstMissing = process.get();
+            }
+        }
+        if (hasFailed)
+        {
+            return false;
+        }
+        if (firstMissing == nullptr)
+        {
+            return true;
+        }
+        // The pause ends as soon as the process is reachable or a child has exited.
+        Connect(*firstMissing, std::min(longestPause, watch.GetRemaining()), GetExitDescriptors());
+    }
+    return false;
+}
+
+bool ProcessesController::Connect(ProcessData& process, std::chrono::milliseconds limit,
+                                  std::span<const int> wakeDescriptors)
+{
+    auto service = connector(process.name, limit, wakeDescriptors);
+    if (!service)
+    {
+        return false;
+    }
+    process.processManagerService = service;
+    services[process.name] = std::move(service);
+    log.Info("Process '{0}' started successfully.", process.name);
+    return true;
+}
+
+std::vector<int> ProcessesController::GetExitDescriptors() const
+{
+    std::vector<int> descriptors;
+    for (const auto& [name, process] : processes)
+    {
+        if (process->process.IsStarted() && !process->process.HasExited())
+        {
+            descriptors.push_back(process->process.GetExitDescriptor());
+        }
+    }
+    return descriptors;
+}
+
+void ProcessesController::LoadLibraries()
+{
+    for (const auto& [processName, process] : processes)
+    {
+        const auto service = process->processManagerService;
+        if (!service)
+        {
+            continue;
+        }
+        for (const auto& [name, library] : process->libraries)
+        {
+            bool isLoaded = false;
+            {
+                const SlowCallWatcher::Watch watch(slowCalls, "LoadLibrary", "library", name, processName);
+                isLoaded = service->LoadLibrary(Rsc::RscString<512>(name), Rsc::RscString<512>(library->path));
+            }
+            if (!isLoaded)
+            {
+                log.Error("Library '{0}' couldn't loaded in process {1}.", name, processName);
+                throw Exception("Library '{0}' couldn't loaded in process {1}.", name, processName);
+            }
+            log.Info("Library '{0}' in process '{1}' loaded.", name, processName);
+        }
+    }
+}
+
+void ProcessesController::UnloadLibraries()
+{
+    for (const auto& [processName, process] : processes)
+    {
+        const auto service = process->processManagerService;
+        if (!service)
+        {
+            continue;
+        }
+        for (const auto& [name, library] : process->libraries)
+        {
+            try
+            {
+                const SlowCallWatcher::Watch watch(slowCalls, "UnloadLibrary", "library", name, processName);
+                service->UnloadLibrary(Rsc::RscString<512>(name));
+                log.Info("Library '{0}' in process '{1}' unloaded.", name, processName);
+            }
+            catch (...)
+            {
+                log.Error("Library '{0}' in process '{1}' could not be unloaded: {2}", name, processName,
+                          CaughtException::Current().GetText());
+            }
+        }
+    }
+}
+
+void ProcessesController::SetEnvironmentVariable(const ServiceTable& services, const String& name,
+                                                 const String& value)
+{
+    const Rsc::RscString<128> remoteName(name);
+    const Rsc::RscVariant<512> remoteValue(value);
+    std::optional<CaughtException> firstFailure;
+    for (const auto& [processName, service] : services)
+    {
+        try
+        {
+            if (!service->SetEnvironmentVariable(remoteName, remoteValue))
+            {
+                log.Warning("Process '{0}' did not take environment variable '{1}'.", processName, name);
+            }
+        }
+        catch (...)
+        {
+            const auto failure = CaughtException::Current();
+            log.Error("Environment variable '{0}' could not be set in process '{1}': {2}", name, processName,
+                      failure.GetText());
+            if (!firstFailure)
+            {
+                firstFailure = failure;
+            }
+        }
+    }
+    if (firstFailure)
+    {
+        firstFailure->Throw();
+    }
+}
+
+void ProcessesController::ProcessesWatchdogRun()
+{
+    for (const auto& [name, process] : processes)
+    {
+        if (IsMainProcess(*process) || !process->process.HasExited())
+        {
+            continue;
+        }
+        log.Fatal("Process '{}' has exited unexpectedly.", name);
+        for (const auto& [otherName, other] : processes)
+        {
+            // Also the one that has exited: what it has started itself may still be there.
+            other->process.Kill();
+        }
+        log.Fatal("All other living processes terminated immediately.");
+        if (auto* logManager = Commons::Diagnostics::LogManager::TryGetInstance())
+        {
+            logManager->Flush();
+        }
+        std::this_thread::sleep_for(processSettings.GetWatchdogDelayTime());
+        std::abort();
+    }
+}
+
+void ProcessesController::StopProcesses()
+{
+    watchdog.Stop();
+
+    TimeoutWatch watch(processSettings.GetStopWaitTime());
+    watch.Start();
+    // Each request has a thread of its own, so that a process that does not answer takes nobody else's time. The
+    // threads end at the latest when the process on the other side is killed.
+    std::vector<Commons::Threading::Thread> requests;
+    for (const auto& [name, process] : processes)
+    {
+        if (!process->processManagerService)
+        {
+            continue;
+        }
+        if (IsMainProcess(*process))
+        {
+            RequestShutdownOf(*process);
+        }
+        else
+        {
+            requests.emplace_back("Shutdown", [this, target = process] { RequestShutdownOf(*target); });
+        }
+    }
+    AwaitExits(watch);
+
+    for (const auto& [name, process] : processes)
+    {
+        if (process->process.IsStarted() && !process->process.HasExited())
+        {
+            log.Warning("Process '{0}' has not ended in time and is killed.", name);
+        }
+        process->process.Kill();
+    }
+    requests.clear();
+    for (const auto& [name, process] : processes)
+    {
+        process->processManagerService.reset();
+    }
+    services.clear();
+}
+
+void ProcessesController::RequestShutdownOf(const ProcessData& process) noexcept
+{
+    try
+    {
+        process.processManagerService->ShutdownProcess();
+    }
+    catch (...)
+    {
+        log.Error("Process '{0}' could not be asked to end: {1}", process.name, CaughtException::Current().GetText());
+    }
+}
+
+void ProcessesController::AwaitExits(const TimeoutWatch& watch) const
+{
+    for (auto living = GetExitDescriptors(); !living.empty() && !watch.HasTimeout(); living = GetExitDescriptors())
+    {
+        std::vector<pollfd> events;
+        for (const int descriptor : living)
+        {
+            events.push_back({descriptor, POLLIN, 0});
+        }
+        const auto pause = std::min(longestPause, watch.GetRemaining());
+        // Interrupted or not, the next round looks again.
+        poll(events.data(), static_cast<nfds_t>(events.size()), static_cast<int>(pause.count()));
+    }
+}
+
+const ServiceTable& ProcessesController::GetServices() const noexcept
+{
+    return services;
+}
+
+} // namespace Vela::System::Kiro::Internal::Sm

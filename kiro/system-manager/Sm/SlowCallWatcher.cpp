@@ -1,0 +1,84 @@
+#include <Sm/SlowCallWatcher.hpp>
+
+namespace Vela::System::Kiro::Internal::Sm
+{
+
+namespace
+{
+
+/// Points in time beyond it could not be computed with.
+constexpr std::chrono::hours longestLimit{24 * 365};
+
+} // namespace
+
+SlowCallWatcher::Watch::Watch(SlowCallWatcher& slowCallWatcher, const char* step, const char* subject,
+                              const String& name, const String& process)
+    : watcher(slowCallWatcher)
+{
+    const std::lock_guard lock(watcher.mutex);
+    watcher.call = {step, subject, &name, &process, Clock::now(), watcher.limit};
+    if (watcher.isWaitingForCall)
+    {
+        watcher.isWaitingForCall = false;
+        watcher.condition.notify_one();
+    }
+}
+
+SlowCallWatcher::Watch::~Watch()
+{
+    const std::lock_guard lock(watcher.mutex);
+    watcher.call.step = nullptr;
+}
+
+SlowCallWatcher::SlowCallWatcher(std::chrono::milliseconds slowCallTime)
+    : limit(std::min<std::chrono::milliseconds>(slowCallTime, longestLimit))
+{
+    if (limit > std::chrono::milliseconds::zero())
+    {
+        thread = Commons::Threading::Thread("SlowCallWatcher", [this] { Run(); });
+    }
+}
+
+SlowCallWatcher::~SlowCallWatcher()
+{
+    {
+        const std::lock_guard lock(mutex);
+        isStopping = true;
+    }
+    condition.notify_one();
+    thread.Join();
+}
+
+void SlowCallWatcher::Run()
+{
+    std::unique_lock lock(mutex);
+    while (!isStopping)
+    {
+        if (call.step == nullptr)
+        {
+            isWaitingForCall = true;
+            condition.wait(lock, [this] { return isStopping || call.step != nullptr; });
+            isWaitingForCall = false;
+            continue;
+        }
+        const auto now = Clock::now();
+        const auto due = call.start + call.nextReport;
+        if (now >= due)
+        {
+            Report();
+            call.nextReport *= 2;
+            continue;
+        }
+        // Calls that end and begin meanwhile wake nobody: a wait no longer than the limit ends before theirs is over.
+        condition.wait_until(lock, std::min(due, now + limit), [this] { return isStopping; });
+    }
+}
+
+void SlowCallWatcher::Report() const
+{
+    const std::chrono::duration<double> seconds = Clock::now() - call.start;
+    log.Warning("{0} of {1} '{2}' in process '{3}' has not returned after {4:.1f} s.", call.step, call.subject,
+                *call.name, *call.process, seconds.count());
+}
+
+} // namespace Vela::System::Kiro::Internal::Sm

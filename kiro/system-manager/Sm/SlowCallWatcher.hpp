@@ -1,0 +1,68 @@
+#pragma once
+
+#include <Vela/String.hpp>
+#include <Vela/System/Commons/Diagnostics/Loggable.hpp>
+#include <Vela/System/Commons/Threading/Thread.hpp>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+namespace Vela::System::Kiro::Internal::Sm
+{
+
+/// Says which call into component code does not return: a warning when it takes longer than a limit, and again each
+/// time that its duration has doubled. One call is watched at a time.
+///
+/// Watching a call costs two uncontended locks; the watcher's thread wakes at most once per limit.
+class SlowCallWatcher : private Commons::Diagnostics::Loggable<SlowCallWatcher>
+{
+public:
+    /// Watches a call as long as it lives; the texts must live as long.
+    class Watch
+    {
+    public:
+        /// @param step  the operation, such as "InitializeComponent"
+        /// @param subject  what it is called on: "component" or "library"
+        Watch(SlowCallWatcher& slowCallWatcher, const char* step, const char* subject, const String& name,
+              const String& process);
+        Watch(const Watch&) = delete;
+        Watch& operator=(const Watch&) = delete;
+        ~Watch();
+
+    private:
+        SlowCallWatcher& watcher;
+    };
+
+    /// A limit of 0 watches nothing.
+    explicit SlowCallWatcher(std::chrono::milliseconds slowCallTime);
+    SlowCallWatcher(const SlowCallWatcher&) = delete;
+    SlowCallWatcher& operator=(const SlowCallWatcher&) = delete;
+    ~SlowCallWatcher();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Call
+    {
+        const char* step = nullptr;
+        const char* subject = nullptr;
+        const String* name = nullptr;
+        const String* process = nullptr;
+        Clock::time_point start;
+        std::chrono::milliseconds nextReport{0};
+    };
+
+    void Run();
+    void Report() const;
+
+    const std::chrono::milliseconds limit;
+    std::mutex mutex;
+    std::condition_variable condition;
+    Call call;
+    bool isWaitingForCall = false;
+    bool isStopping = false;
+    Commons::Threading::Thread thread;
+};
+
+} // namespace Vela::System::Kiro::Internal::Sm

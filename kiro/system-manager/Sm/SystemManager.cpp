@@ -1,0 +1,224 @@
+#include <Sm/Services/Internal/SystemManagerServiceImpl.hpp>
+#include <Sm/Services/SystemManagerServiceImpl.hpp>
+#include <Sm/SystemManager.hpp>
+
+#include <Vela/AppDomainSingleton.hpp>
+#include <Vela/CaughtException.hpp>
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Nm/NotificationManager.hpp>
+#include <Vela/System/Nm/NotificationManagerSetup.hpp>
+#include <Vela/System/Rsc/RscManager.hpp>
+#include <Vela/System/Rsc/ServiceManager.hpp>
+
+#include <Config/KiroConfigurationLoader.hpp>
+
+#include <optional>
+
+namespace Vela::System::Kiro::Internal::Sm
+{
+
+using NmPayload::Kiro::SystemManagerState;
+
+SystemManager::SystemManager(ISystemManagerHost& systemManagerHost, const Settings::ProcessSettings& settings,
+                             bool isSingleProcess)
+    : host(systemManagerHost)
+    , singleProcess(isSingleProcess)
+    , processSettings(settings)
+    , slowCalls(settings.GetSlowStepTime())
+    , processesController(host, processes, settings, slowCalls)
+    , componentsController(host, processes, slowCalls)
+{
+    if (AppDomainSingleton<Nm::NotificationManager>::TryGetInstance() != nullptr)
+    {
+        securityNotifications = std::make_unique<Security::KiroSecurityNotifications>();
+    }
+}
+
+SystemManager::~SystemManager()
+{
+    Dispose();
+}
+
+void SystemManager::PublishServices()
+{
+    const auto publish = [](Rsc::IRscServiceFactory& factory)
+    { Rsc::ServiceManager::PublishService(factory.GetName(), factory.GetInterfaceName(), factory); };
+    areServicesPublished = true;
+    publish(Services::SystemManagerServiceFactory::GetInstance());
+    publish(Services::Internal::SystemManagerServiceFactory::GetInstance());
+}
+
+void SystemManager::UnpublishServices()
+{
+    if (!areServicesPublished)
+    {
+        return;
+    }
+    areServicesPublished = false;
+    const auto unpublish = [](Rsc::IRscServiceFactory& factory)
+    { return Rsc::ServiceManager::UnpublishService(factory.GetName(), factory.GetInterfaceName()); };
+    const bool isPublicDrained = unpublish(Services::SystemManagerServiceFactory::GetInstance());
+    const bool isInternalDrained = unpublish(Services::Internal::SystemManagerServiceFactory::GetInstance());
+    if (!isPublicDrained || !isInternalDrained)
+    {
+        log.Warning("A call of a system manager service is still in progress.");
+    }
+}
+
+void SystemManager::LoadConfig()
+{
+    const String path = host.GetConfigPath();
+    log.Debug("Loading configuration from: {0}", path);
+    Config::KiroConfiguration configuration;
+    Config::KiroConfigurationLoader::Load(path, singleProcess, true, configuration);
+    processesController.SetupConfig(configuration, singleProcess);
+    componentsController.SetupConfig(configuration, singleProcess);
+}
+
+void SystemManager::SetupSystemSettings()
+{
+    LoadConfig();
+    processesController.StartProcesses();
+    PublishSnapshot();
+    processesController.LoadLibraries();
+    componentsController.CreateComponents();
+    PublishSnapshot();
+    componentsController.SetupComponentsSettings();
+    PublishSnapshot();
+}
+
+void SystemManager::SetupSystem()
+{
+    const std::lock_guard walk(gate);
+    notifications.SendStartupNotification();
+    notifications.SendStateNotification(SystemManagerState::Starting, false, stateFlag);
+    CreateProjectSymlink();
+    SetupSystemSettings();
+    notifications.SendStateNotification(SystemManagerState::SettingsReady, false, stateFlag);
+
+    bool hasError = false;
+    if (!componentsController.SetupComponentsConfig())
+    {
+        hasError = true;
+        notifications.SendStateNotification(SystemManagerState::SettingsReady, hasError, stateFlag);
+    }
+    PublishSnapshot();
+    notifications.SendStateNotification(SystemManagerState::ConfigReady, hasError, stateFlag);
+    Nm::NotificationManagerSetup::StartDispatching();
+
+    if (!componentsController.StartComponents())
+    {
+        hasError = true;
+        notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
+    }
+    PublishSnapshot();
+    notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
+    stateFlag = false;
+}
+
+bool SystemManager::Dispose()
+{
+    if (isDisposed)
+    {
+        return true;
+    }
+    isDisposed = true;
+    // Held to the end: from now on nobody may ask for another walk over the components.
+    gate.lock();
+
+    std::optional<CaughtException> firstFailure;
+    const auto guard = [&firstFailure](auto&& step)
+    {
+        try
+        {
+            step();
+        }
+        catch (...)
+        {
+            if (!firstFailure)
+            {
+                firstFailure = CaughtException::Current();
+            }
+        }
+    };
+    guard([this] { componentsController.StopComponents(); });
+    guard([this] { componentsController.ResetComponentsConfig(); });
+    guard([this] { componentsController.DisposeComponents(); });
+    guard([this] { componentsController.DestroyComponents(); });
+    guard([this] { processesController.StopProcesses(); });
+    guard([this] { PublishSnapshot(); });
+    guard([this] { UnpublishServices(); });
+    guard([] { AppDomainSingleton<Rsc::RscManager>::GetInstance().CloseAllClients(false); });
+    processes.clear();
+
+    if (firstFailure)
+    {
+        log.Error("{0}", firstFailure->Describe("Exception occurs while shutting down the system: {0}",
+                                                "Unspecified exception occurs while shutting down the system"));
+    }
+    return !firstFailure;
+}
+
+void SystemManager::PowerDown()
+{
+    const std::unique_lock walk(gate, std::try_to_lock);
+    if (!walk)
+    {
+        throw InvalidOperationException(
+            "Power down is refused: the system is being set up, shut down or powered down at the moment.");
+    }
+    componentsController.PowerDownComponents();
+}
+
+void SystemManager::RequestShutdown()
+{
+    host.RequestShutdown();
+}
+
+void SystemManager::RestartSystem()
+{
+    host.RestartSystem();
+}
+
+const Settings::ProcessSettings& SystemManager::GetSettings() const noexcept
+{
+    return processSettings;
+}
+
+void SystemManager::SetEnvironmentVariable(const String& name, const String& value)
+{
+    ProcessesController::SetEnvironmentVariable(snapshot.Get()->services, name, value);
+}
+
+bool SystemManager::ResolveDeprecatedVariableName(const String& name, String& result) const
+{
+    return host.ResolveDeprecatedVariableName(name, result);
+}
+
+void SystemManager::PublishSnapshot()
+{
+    snapshot.Publish(
+        SystemSnapshot::Make(processesController.GetServices(), componentsController.GetExecutionList()));
+}
+
+std::vector<String> SystemManager::GetApplicationNames() const
+{
+    return snapshot.Get()->GetApplicationNames();
+}
+
+std::vector<String> SystemManager::GetComponentsOfType(const String& componentType) const
+{
+    return snapshot.Get()->GetComponentsOfType(componentType);
+}
+
+String SystemManager::GetProcessNameOfComponent(const String& componentName) const
+{
+    return snapshot.Get()->GetProcessNameOfComponent(componentName);
+}
+
+std::vector<Services::ComponentInfo> SystemManager::GetComponentInfos() const
+{
+    return snapshot.Get()->GetComponentInfos(host.GetDefaultComponentInfos());
+}
+
+} // namespace Vela::System::Kiro::Internal::Sm
