@@ -12,8 +12,8 @@ namespace Vela::System::Commons
 class VELA_COMMONS_API SafeString
 {
 public:
-    /// Installs the handler that turns a constraint failure of the bounds-checked functions into an exception;
-    /// happens by itself when the library is loaded, and may be repeated.
+    /// Installs the handler that records a constraint failure of the bounds-checked functions, which then becomes an
+    /// exception; happens by itself when the library is loaded, and may be repeated.
     static void InstallConstraintHandler();
 
     /// Copies a text with its terminating NUL into a buffer of `capacity` bytes.

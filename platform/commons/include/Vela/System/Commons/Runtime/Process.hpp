@@ -44,31 +44,36 @@ public:
     /// Does not end the child; an ended child is reaped.
     ~Process();
 
-    /// Starts a child with a clean signal mask and default dispositions; the parent's processor affinity is inherited
-    /// unless SetChildAffinity was called. Descriptors are close-on-exec and do not reach it.
+    /// Starts a child with a clean signal mask, default dispositions, the environment of this process and the
+    /// processor affinity of the calling thread. Of our descriptors only the standard streams reach it. A process
+    /// object starts one child in its life.
     /// @param workingDirectory  empty: the parent's
-    /// @param fileName  the executable's path; looked up in PATH when it has no "/"
+    /// @param fileName  the executable's path, relative to the working directory; looked up in PATH without a "/"
     /// @param arguments  split by the shell's quoting rules, without any expansion
-    /// @throws Exception naming the step that failed, the file and the system's text
+    /// @throws ArgumentException for an unbalanced quote; InvalidOperationException when it was started already;
+    /// Exception naming the file and the system's text
     void Start(const String& workingDirectory, const String& fileName, const String& arguments,
                const ProcessStartOptions& options = {});
 
-    /// Starts a process that belongs to nobody: in a session of its own, its parent is init, and no zombie stays.
-    /// @throws Exception
+    /// Starts a process that belongs to nobody: in a session of its own, its standard streams connected to nothing,
+    /// its parent is init, and no zombie stays.
+    /// @throws as Start does
     static void StartDaemon(const String& workingDirectory, const String& fileName, const String& arguments);
 
     [[nodiscard]] bool IsStarted() const;
+    /// 0 when it was not started.
     [[nodiscard]] pid_t GetId() const;
     [[nodiscard]] bool HasExited() const;
     /// How it ended; meaningful after HasExited.
     [[nodiscard]] ProcessExit GetExit() const;
     /// The pidfd, readable once the process has exited; -1 when it was not started. Owned by this object.
     [[nodiscard]] int GetExitDescriptor() const;
-    /// Waits until it has exited; false when the time is over first. Negative: no limit.
+    /// Waits until it has exited; false when the time is over first, and at once when it was not started. Negative: no
+    /// limit.
     bool WaitForExit(int milliseconds) const;
     /// Kills the process and its whole group with SIGKILL and reaps it: the exit is seen first, then the group is
     /// killed, then the child is reaped, so that the group's id cannot have been given away. Also ends what is left of
-    /// the group of a child that exited by itself.
+    /// the group of a child that exited by itself. Waits at most two seconds for the exit.
     void Kill();
 
 private:

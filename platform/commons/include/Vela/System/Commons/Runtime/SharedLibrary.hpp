@@ -16,8 +16,8 @@ public:
     /// Unloads.
     ~SharedLibrary();
 
-    /// @throws Exception with the loader's own text
-    void Load(const String& path);
+    /// @throws InvalidOperationException when it is loaded already; Exception with the loader's own text
+    void Load(const String& libraryPath);
     /// The address of a symbol that the library itself defines; null when it has none of that name.
     [[nodiscard]] void* GetFunctionAddress(const char* symbolName) const;
     /// Nothing happens when it is not loaded.

@@ -15,19 +15,22 @@ public:
     using Handler = std::function<void(int signal)>;
 
     /// Blocks SIGTERM and SIGINT in the calling thread and all that it starts, and ignores SIGPIPE. The first act of a
-    /// process, before any thread exists. Signals that arrive before Setup wait until then.
+    /// process, before any thread exists. Signals that arrive before Setup wait until then. Dispositions that the
+    /// process inherited for SIGTERM, SIGINT and SIGCHLD are reset to the default.
     static void BlockSignals();
 
     SignalHandler();
     SignalHandler(const SignalHandler&) = delete;
     SignalHandler& operator=(const SignalHandler&) = delete;
-    /// Stops the thread; signals stay blocked.
+    /// Stops the threads and waits for a handler that runs; signals stay blocked.
     ~SignalHandler();
 
-    /// Starts the dispatch thread.
+    /// Starts the thread that reads the signals.
+    /// @throws Exception
     void Setup();
-    /// Installs the handler, called for each signal in turn; a signal that came before is handed to it now. The second
-    /// signal ends the process at once, with a line in the log.
+    /// Installs the handler, called for the first signal, on a thread of its own; a signal that came before is handed
+    /// to it now. An exception out of it is logged. The second signal ends the process at once, also while the handler
+    /// runs, with a line in the log and the exit code 128 plus the signal's number.
     void SetHandler(Handler handler);
 
 private:
