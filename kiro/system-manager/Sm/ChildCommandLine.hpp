@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Sm/Data/ProcessData.hpp>
-
 #include <Vela/String.hpp>
 
 namespace Vela::System::Kiro::Internal::Sm

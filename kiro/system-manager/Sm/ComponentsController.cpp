@@ -1,5 +1,5 @@
+#include <Config/KiroConfiguration.hpp>
 #include <Sm/ComponentsController.hpp>
-
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Kiro/ComponentCategory.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
@@ -150,11 +150,9 @@ bool ComponentsController::SetupComponentsConfig()
 
 bool ComponentsController::StartComponents()
 {
-    const auto result = RunForward(LifecycleSteps::start,
-                                   [](const Entry& entry) {
-                                       return entry.component->isEnabled && entry.isSettingsSetup &&
-                                              entry.component->isControllerComponent;
-                                   });
+    const auto result = RunForward(
+        LifecycleSteps::start, [](const Entry& entry)
+        { return entry.component->isEnabled && entry.isSettingsSetup && entry.component->isControllerComponent; });
     return !result.hasRequiredFailed;
 }
 

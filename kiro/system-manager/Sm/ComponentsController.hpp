@@ -5,16 +5,18 @@
 #include <Sm/ISystemManagerHost.hpp>
 #include <Sm/LifecycleSteps.hpp>
 #include <Sm/SlowCallWatcher.hpp>
-
 #include <Vela/CaughtException.hpp>
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 
-#include <Config/KiroConfiguration.hpp>
-
 #include <list>
 #include <memory>
 #include <optional>
+
+namespace Vela::System::Kiro::Internal::Sm::Config
+{
+class KiroConfiguration;
+}
 
 namespace Vela::System::Kiro::Internal::Sm
 {

@@ -1,5 +1,4 @@
 #include <Sm/KiroSecurityNotifications.hpp>
-
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Chrono/DateTime.hpp>

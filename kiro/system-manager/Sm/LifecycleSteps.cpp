@@ -15,14 +15,16 @@ template <auto Operation>
 constexpr RemoteStep ByName(const char* name)
 {
     return {name, [](IProcessManagerService& service, const ComponentData& component)
-            { (service.*Operation)(RemoteName(component.name)); }};
+            {
+                (service.*Operation)(RemoteName(component.name));
+            }};
 }
 
-constexpr RemoteStep loadSettings{"LoadComponentSettings",
-                                  [](IProcessManagerService& service, const ComponentData& component) {
-                                      service.LoadComponentSettings(RemoteName(component.name),
-                                                                    RemoteName(component.settingsPath));
-                                  }};
+constexpr RemoteStep loadSettings{
+    "LoadComponentSettings", [](IProcessManagerService& service, const ComponentData& component)
+    {
+        service.LoadComponentSettings(RemoteName(component.name), RemoteName(component.settingsPath));
+    }};
 
 constexpr RemoteStep settingsCalls[] = {
     ByName<&IProcessManagerService::InitializeComponent>("InitializeComponent"),
@@ -42,7 +44,7 @@ constexpr RemoteStep disposeCalls[] = {ByName<&IProcessManagerService::DisposeCo
 constexpr RemoteStep powerDownCalls[] = {ByName<&IProcessManagerService::PowerDownComponent>("PowerDownComponent")};
 constexpr RemoteStep destroyCalls[] = {ByName<&IProcessManagerService::DestroyComponent>("DestroyComponent")};
 
-template <bool ComponentExecutionData::* Flag>
+template <bool ComponentExecutionData::*Flag>
 bool& Mark(ComponentExecutionData& entry)
 {
     return entry.*Flag;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Sm/Data/ComponentExecutionData.hpp>
-
 #include <Vela/String.hpp>
 #include <Vela/System/Kiro/Services/Internal/IProcessManagerService.hpp>
 

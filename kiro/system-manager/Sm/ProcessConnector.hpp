@@ -17,8 +17,7 @@ using ProcessConnector = std::function<std::shared_ptr<Services::Internal::IProc
     const String& processName, std::chrono::milliseconds limit, std::span<const int> wakeDescriptors)>;
 
 /// The connector over remoting.
-std::shared_ptr<Services::Internal::IProcessManagerService> ConnectToProcess(const String& processName,
-                                                                             std::chrono::milliseconds limit,
-                                                                             std::span<const int> wakeDescriptors);
+std::shared_ptr<Services::Internal::IProcessManagerService>
+ConnectToProcess(const String& processName, std::chrono::milliseconds limit, std::span<const int> wakeDescriptors);
 
 } // namespace Vela::System::Kiro::Internal::Sm

@@ -1,18 +1,19 @@
+#include <Config/KiroConfiguration.hpp>
+#include <Settings/ProcessSettings.hpp>
 #include <Sm/ChildCommandLine.hpp>
 #include <Sm/ProcessesController.hpp>
-
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
 #include <Vela/System/Rsc/RscVariant.hpp>
 
+#include <poll.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <optional>
 #include <utility>
-
-#include <poll.h>
-#include <unistd.h>
 
 namespace Vela::System::Kiro::Internal::Sm
 {
@@ -36,7 +37,8 @@ ProcessesController::ProcessesController(ISystemManagerHost& systemManagerHost, 
     , processSettings(settings)
     , slowCalls(slowCallWatcher)
     , connector(std::move(processConnector))
-    , watchdog("ProcessesWatchdog", [this] { ProcessesWatchdogRun(); }, settings.GetWatchdogIdleTime())
+    , watchdog(
+          "ProcessesWatchdog", [this] { ProcessesWatchdogRun(); }, settings.GetWatchdogIdleTime())
 {
 }
 
@@ -273,8 +275,7 @@ void ProcessesController::UnloadLibraries()
     }
 }
 
-void ProcessesController::SetEnvironmentVariable(const ServiceTable& services, const String& name,
-                                                 const String& value)
+void ProcessesController::SetEnvironmentVariable(const ServiceTable& services, const String& name, const String& value)
 {
     const Rsc::RscString<128> remoteName(name);
     const Rsc::RscVariant<512> remoteValue(value);

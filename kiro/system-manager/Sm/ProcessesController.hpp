@@ -5,19 +5,25 @@
 #include <Sm/ProcessConnector.hpp>
 #include <Sm/SlowCallWatcher.hpp>
 #include <Sm/SystemSnapshot.hpp>
-
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Chrono/TimeoutWatch.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/Threading/WorkerThread.hpp>
 
-#include <Config/KiroConfiguration.hpp>
-#include <Settings/ProcessSettings.hpp>
-
 #include <chrono>
 #include <memory>
 #include <span>
 #include <vector>
+
+namespace Vela::System::Kiro::Internal::Settings
+{
+class ProcessSettings;
+}
+
+namespace Vela::System::Kiro::Internal::Sm::Config
+{
+class KiroConfiguration;
+}
 
 namespace Vela::System::Kiro::Internal::Sm
 {

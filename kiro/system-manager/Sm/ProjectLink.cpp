@@ -1,5 +1,4 @@
 #include <Sm/SystemManager.hpp>
-
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Io/Directory.hpp>
 

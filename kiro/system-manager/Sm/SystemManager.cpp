@@ -1,7 +1,9 @@
+#include <Config/KiroConfiguration.hpp>
+#include <Config/KiroConfigurationLoader.hpp>
+#include <Settings/ProcessSettings.hpp>
 #include <Sm/Services/Internal/SystemManagerServiceImpl.hpp>
 #include <Sm/Services/SystemManagerServiceImpl.hpp>
 #include <Sm/SystemManager.hpp>
-
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
@@ -9,8 +11,6 @@
 #include <Vela/System/Nm/NotificationManagerSetup.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
-
-#include <Config/KiroConfigurationLoader.hpp>
 
 #include <optional>
 
@@ -42,7 +42,9 @@ SystemManager::~SystemManager()
 void SystemManager::PublishServices()
 {
     const auto publish = [](Rsc::IRscServiceFactory& factory)
-    { Rsc::ServiceManager::PublishService(factory.GetName(), factory.GetInterfaceName(), factory); };
+    {
+        Rsc::ServiceManager::PublishService(factory.GetName(), factory.GetInterfaceName(), factory);
+    };
     areServicesPublished = true;
     publish(Services::SystemManagerServiceFactory::GetInstance());
     publish(Services::Internal::SystemManagerServiceFactory::GetInstance());
@@ -56,7 +58,9 @@ void SystemManager::UnpublishServices()
     }
     areServicesPublished = false;
     const auto unpublish = [](Rsc::IRscServiceFactory& factory)
-    { return Rsc::ServiceManager::UnpublishService(factory.GetName(), factory.GetInterfaceName()); };
+    {
+        return Rsc::ServiceManager::UnpublishService(factory.GetName(), factory.GetInterfaceName());
+    };
     const bool isPublicDrained = unpublish(Services::SystemManagerServiceFactory::GetInstance());
     const bool isInternalDrained = unpublish(Services::Internal::SystemManagerServiceFactory::GetInstance());
     if (!isPublicDrained || !isInternalDrained)
@@ -197,8 +201,7 @@ bool SystemManager::ResolveDeprecatedVariableName(const String& name, String& re
 
 void SystemManager::PublishSnapshot()
 {
-    snapshot.Publish(
-        SystemSnapshot::Make(processesController.GetServices(), componentsController.GetExecutionList()));
+    snapshot.Publish(SystemSnapshot::Make(processesController.GetServices(), componentsController.GetExecutionList()));
 }
 
 std::vector<String> SystemManager::GetApplicationNames() const

@@ -9,12 +9,9 @@
 #include <Sm/SlowCallWatcher.hpp>
 #include <Sm/SystemManagerNotifications.hpp>
 #include <Sm/SystemSnapshot.hpp>
-
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Kiro/Services/ComponentInfo.hpp>
-
-#include <Settings/ProcessSettings.hpp>
 
 #include <memory>
 #include <vector>

@@ -1,5 +1,4 @@
 #include <Sm/SystemManagerNotifications.hpp>
-
 #include <Vela/System/Commons/Chrono/DateTime.hpp>
 #include <Vela/System/NmPayload/Kiro/SystemStartupPayload.hpp>
 #include <Vela/VelaVersion.hpp>
@@ -38,7 +37,7 @@ void SystemManagerNotifications::SendStateNotification(NmPayload::Kiro::SystemMa
 void SystemManagerNotifications::SendStartupNotification() const
 {
     Nm::NotificationRegistration<NmPayload::Kiro::SystemStartupPayload> startup(String(namePrefix) + startupSuffix,
-                                                                                 sender, Nm::Severity::Information);
+                                                                                sender, Nm::Severity::Information);
     NmPayload::Kiro::SystemStartupPayload payload(VelaVersion::GetCurrent());
     payload.SetTimeStamp(Commons::Chrono::DateTime::GetUtcNow());
     startup.Send(payload);

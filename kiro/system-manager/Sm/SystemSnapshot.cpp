@@ -49,8 +49,8 @@ String SystemSnapshot::GetProcessNameOfComponent(const String& name) const
     return found == components.end() ? String() : found->process;
 }
 
-std::vector<Services::ComponentInfo> SystemSnapshot::GetComponentInfos(
-    std::vector<Services::ComponentInfo> defaultInfos) const
+std::vector<Services::ComponentInfo>
+SystemSnapshot::GetComponentInfos(std::vector<Services::ComponentInfo> defaultInfos) const
 {
     auto infos = std::move(defaultInfos);
     infos.reserve(infos.size() + components.size());

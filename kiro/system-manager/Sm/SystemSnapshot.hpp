@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Sm/Data/ComponentExecutionData.hpp>
-
 #include <Vela/String.hpp>
 #include <Vela/System/Kiro/Services/ComponentInfo.hpp>
 #include <Vela/System/Kiro/Services/Internal/IProcessManagerService.hpp>
@@ -47,8 +46,8 @@ struct SystemSnapshot
     [[nodiscard]] String GetProcessNameOfComponent(const String& name) const;
     /// The given descriptions, then one for each component in execution order.
     /// @throws ArgumentException for a text that a description cannot hold
-    [[nodiscard]] std::vector<Services::ComponentInfo> GetComponentInfos(
-        std::vector<Services::ComponentInfo> defaultInfos) const;
+    [[nodiscard]] std::vector<Services::ComponentInfo>
+    GetComponentInfos(std::vector<Services::ComponentInfo> defaultInfos) const;
 };
 
 /// Hands the newest snapshot from the thread that changes the system to those that answer queries. Thread-safe.

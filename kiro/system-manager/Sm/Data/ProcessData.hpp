@@ -2,7 +2,6 @@
 
 #include <Sm/Data/ComponentData.hpp>
 #include <Sm/Data/LibraryData.hpp>
-
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Runtime/Process.hpp>
 #include <Vela/System/Kiro/Services/Internal/IProcessManagerService.hpp>

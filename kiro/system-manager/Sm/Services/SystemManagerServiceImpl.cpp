@@ -1,6 +1,5 @@
 #include <Sm/Services/SystemManagerServiceImpl.hpp>
 #include <Sm/SystemManager.hpp>
-
 #include <Vela/Singleton.hpp>
 
 namespace Vela::System::Kiro::Services

@@ -1,6 +1,5 @@
 #include <Sm/Services/Internal/SystemManagerServiceImpl.hpp>
 #include <Sm/SystemManager.hpp>
-
 #include <Vela/Singleton.hpp>
 
 namespace Vela::System::Kiro::Services::Internal
@@ -34,8 +33,7 @@ std::vector<ISystemManagerService::Name> SystemManagerServiceImpl::GetApplicatio
     return {names.begin(), names.end()};
 }
 
-bool SystemManagerServiceImpl::ResolveDeprecatedVariableName(const Name& name,
-                                                             Name& currentName)
+bool SystemManagerServiceImpl::ResolveDeprecatedVariableName(const Name& name, Name& currentName)
 {
     String current;
     const bool isOld = SystemManager::GetInstance().ResolveDeprecatedVariableName(name.ToString(), current);
@@ -43,8 +41,7 @@ bool SystemManagerServiceImpl::ResolveDeprecatedVariableName(const Name& name,
     return isOld;
 }
 
-std::vector<ISystemManagerService::Text> SystemManagerServiceImpl::GetComponentsOfType(
-    const Text& componentType)
+std::vector<ISystemManagerService::Text> SystemManagerServiceImpl::GetComponentsOfType(const Text& componentType)
 {
     const auto names = SystemManager::GetInstance().GetComponentsOfType(componentType.ToString());
     return {names.begin(), names.end()};
