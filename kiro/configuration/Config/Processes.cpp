@@ -1,0 +1,41 @@
+#include <Config/Processes.hpp>
+#include <Config/ReadItems.hpp>
+
+namespace Vela::System::Kiro::Internal::Sm::Config
+{
+
+void Processes::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSerializationContext& context)
+{
+    ReadNamedItems(reader, context, items);
+}
+
+bool Processes::Equals(const Processes& other) const
+{
+    return EqualItems(items, other.items);
+}
+
+bool Processes::AddItem(const Process& process)
+{
+    return items.emplace(process.name, process).second;
+}
+
+void Processes::RemoveUnusedProcess(const String& name)
+{
+    const auto found = items.find(name);
+    if (found == items.end() || found->second.isExternal)
+    {
+        return;
+    }
+    const String& binaryPath = found->second.binaryPath;
+    if (binaryPath.empty() || binaryPath.find(applicationBinaryName) != String::npos)
+    {
+        items.erase(found);
+    }
+}
+
+const std::map<String, Process>& Processes::GetItems() const noexcept
+{
+    return items;
+}
+
+} // namespace Vela::System::Kiro::Internal::Sm::Config
