@@ -1,0 +1,116 @@
+#include <Pm/SharedLibraryLoader.hpp>
+#include <Vela/AppDomain.hpp>
+#include <Vela/CaughtException.hpp>
+#include <Vela/Exceptions.hpp>
+#include <Vela/Singleton.hpp>
+#include <Vela/System/Commons/Io/File.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
+
+#include <regex>
+
+namespace Vela::System::Kiro::Internal::Pm
+{
+
+using namespace Commons::Io;
+using Commons::Runtime::SharedLibrary;
+
+namespace
+{
+
+String GetLinuxFileName(const String& fileName)
+{
+    static const std::regex expression(R"(^(lib)?(.*)(\.so|\.dll)$)");
+    return std::regex_replace(fileName, expression, "lib$2.so");
+}
+
+/// The loader searches its own directories for a name without "/".
+String GetLoaderPath(const String& path)
+{
+    return path.find('/') == String::npos ? "./" + path : path;
+}
+
+ILibrary* CallEntry(const SharedLibrary& sharedLibrary, const String& probedPath)
+{
+    if (void* address = sharedLibrary.GetFunctionAddress(SharedLibraryLoader::dlMainEntryName))
+    {
+        AppDomain& appDomain = Singleton<AppDomain>::GetInstance();
+        const auto entry = reinterpret_cast<LibraryMain>(address);
+        // The library is closed again when its entry fails, so the exception must not be the library's own object.
+        return CallAcrossLibrary([&] { return &entry(appDomain); });
+    }
+    if (sharedLibrary.GetFunctionAddress(SharedLibraryLoader::dlMainEntryNameObsolete) != nullptr)
+    {
+        throw InvalidOperationException("Library '{0}' has SDK version 1.x and is not supported any more", probedPath);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+String SharedLibraryLoader::ProbeLibraryName(const String& libraryPath)
+{
+    if (File::Exists(libraryPath))
+    {
+        return libraryPath;
+    }
+    const String probedPath =
+        Path::Combine(Path::GetDirectoryName(libraryPath), GetLinuxFileName(Path::GetFileName(libraryPath)));
+    if (!File::Exists(probedPath))
+    {
+        throw InvalidOperationException("Library '{0}' does not exist.", probedPath);
+    }
+    return probedPath;
+}
+
+std::vector<String> SharedLibraryLoader::ProbeLibraryNames(const std::vector<String>& paths)
+{
+    std::vector<String> probedPaths;
+    probedPaths.reserve(paths.size());
+    for (const String& path : paths)
+    {
+        probedPaths.push_back(ProbeLibraryName(path));
+    }
+    return probedPaths;
+}
+
+LoadedLibrary SharedLibraryLoader::Load(const String& libraryPath, bool shadowCopy,
+                                        const std::vector<String>& dependencies)
+{
+    LoadedLibrary loaded;
+    const String probedPath = ProbeLibraryName(libraryPath);
+    loaded.path = probedPath;
+    if (shadowCopy)
+    {
+        loaded.shadowCopy = std::make_unique<ShadowCopy>(probedPath, ProbeLibraryNames(dependencies));
+        loaded.shadowCopy->Copy();
+        loaded.path = loaded.shadowCopy->GetDestinationLibraryPath();
+    }
+    loaded.sharedLibrary = std::make_unique<SharedLibrary>();
+    loaded.sharedLibrary->Load(GetLoaderPath(loaded.path));
+    loaded.library = CallEntry(*loaded.sharedLibrary, probedPath);
+    return loaded;
+}
+
+bool SharedLibraryLoader::Unload(LoadedLibrary& library)
+{
+    if (library.sharedLibrary == nullptr)
+    {
+        return true;
+    }
+    const bool isInUse = library.usage->IsInUse();
+    if (isInUse)
+    {
+        library.sharedLibrary->Abandon();
+    }
+    else
+    {
+        library.sharedLibrary->Unload();
+    }
+    if (library.shadowCopy != nullptr)
+    {
+        library.shadowCopy->Delete();
+    }
+    return !isInUse;
+}
+
+} // namespace Vela::System::Kiro::Internal::Pm
