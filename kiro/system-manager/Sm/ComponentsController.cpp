@@ -17,6 +17,13 @@ using RemoteName = Rsc::RscString<512>;
 namespace
 {
 
+InvalidConfigException Invalid(const Config::Component& component, const String& reason)
+{
+    return InvalidConfigException::At(
+        component.position.ToString(),
+        fmt::format("Component '{0}' has an invalid configuration: {1}", component.name, reason));
+}
+
 String Describe(const CaughtException& failure, const FailureTexts& texts, const String& componentName)
 {
     return failure.Describe(texts.known, texts.unspecified, componentName);
@@ -43,8 +50,7 @@ void ComponentsController::SetupConfig(const Config::KiroConfiguration& configur
         const auto process = processes.find(isInMainProcess ? mainProcessName : configured.process);
         if (process == processes.end())
         {
-            throw InvalidConfigException("Component '{0}' has an invalid configuration: Process '{1}' is unknown.",
-                                         name, configured.process);
+            throw Invalid(configured, fmt::format("Process '{0}' is unknown.", configured.process));
         }
 
         auto component = std::make_shared<ComponentData>();
@@ -62,8 +68,7 @@ void ComponentsController::SetupConfig(const Config::KiroConfiguration& configur
             const auto library = libraries.find(component->library);
             if (library == libraries.end())
             {
-                throw InvalidConfigException("Component '{0}' has an invalid configuration: Library '{1}' is unknown.",
-                                             name, component->library);
+                throw Invalid(configured, fmt::format("Library '{0}' is unknown.", configured.library));
             }
             auto& record = process->second->libraries[component->library];
             if (!record)
@@ -71,6 +76,10 @@ void ComponentsController::SetupConfig(const Config::KiroConfiguration& configur
                 record = std::make_shared<LibraryData>();
                 record->name = library->second.name;
                 record->path = library->second.binaryPath;
+                if (!library->second.GetDependencies().GetItems().empty())
+                {
+                    log.Info("Library '{0}': its dependencies are left to the system's loader.", record->name);
+                }
             }
         }
         process->second->components.emplace(name, std::move(component));
@@ -199,6 +208,7 @@ ComponentsController::ForwardResult ComponentsController::RunForward(const Forwa
 bool ComponentsController::StepForward(const ForwardPhase& phase, Entry& entry)
 {
     const String& name = entry.component->name;
+    const String& process = entry.process->name;
     if (phase.needsSettings && !entry.isSettingsSetup)
     {
         throw InvalidOperationException("Component '{0}' was not setup or configured yet", name);
@@ -210,10 +220,10 @@ bool ComponentsController::StepForward(const ForwardPhase& phase, Entry& entry)
     }
     try
     {
-        log.Debug(phase.step.begins, name, entry.process->name);
+        log.Debug(phase.step.begins, name, process);
         mark = true;
         CallStep(phase.step, entry);
-        log.Debug(phase.step.ends, name, entry.process->name);
+        log.Debug(phase.step.ends, name, process);
         return true;
     }
     catch (...)
@@ -250,12 +260,13 @@ std::optional<CaughtException> ComponentsController::StepBackward(const Backward
         return std::nullopt;
     }
     const String& name = entry.component->name;
+    const String& process = entry.process->name;
     std::optional<CaughtException> failure;
     try
     {
-        log.Debug(phase.step.begins, name, entry.process->name);
+        log.Debug(phase.step.begins, name, process);
         CallStep(phase.step, entry);
-        log.Debug(phase.step.ends, name, entry.process->name);
+        log.Debug(phase.step.ends, name, process);
     }
     catch (...)
     {
