@@ -1,0 +1,37 @@
+#include <Vela/System/Kiro/Internal/MainApplicationBase.hpp>
+#include <Vela/System/Kiro/Internal/StartState.hpp>
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    using Vela::System::Commons::Diagnostics::LogLevel;
+    using namespace Vela::System::Kiro::Internal;
+    try
+    {
+        const StartState startState(argc, argv);
+        MainApplicationBase application("MainProcess", true, false, true);
+        const int exitCode = application.Main(argc, argv, LogLevel::None);
+        // Taking the system down withdraws the request.
+        const bool isRestartRequested = application.IsRestartRequested();
+        const bool isOrderly = application.Dispose();
+        if (isRestartRequested)
+        {
+            startState.StartAgain();
+        }
+        if (!isOrderly)
+        {
+            // A thread may still be inside a component: nothing may be taken away from under it.
+            std::cout.flush();
+            std::_Exit(exitCode);
+        }
+        return exitCode;
+    }
+    catch (const std::exception& exception)
+    {
+        std::cerr << "Vela.System.Application: " << exception.what() << std::endl;
+        return 2;
+    }
+}

@@ -1,0 +1,183 @@
+#include <Host/ApplicationData.hpp>
+#include <Host/GuardedSteps.hpp>
+#include <Sm/KiroSecurityNotifications.hpp>
+#include <Vela/CaughtException.hpp>
+#include <Vela/Singleton.hpp>
+#include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+#include <Vela/System/Kiro/Internal/ApplicationBase.hpp>
+#include <Vela/VelaVersion.hpp>
+
+#include <iostream>
+
+namespace Vela::System::Kiro::Internal
+{
+
+using Commons::Diagnostics::LogLevel;
+using Commons::Diagnostics::LogManager;
+using Commons::Runtime::SignalHandler;
+
+namespace
+{
+
+/// The message of every top-level guard, for the exception being handled.
+String DescribeCurrentException()
+{
+    return CaughtException::Current().Describe("Exception occurs: {0}", "Unspecified exception occurs.");
+}
+
+} // namespace
+
+ApplicationBase::ApplicationBase(const String& name, bool loadSettings)
+    : data(std::make_unique<ApplicationData>(*this, name, loadSettings))
+{
+}
+
+ApplicationBase::~ApplicationBase() = default;
+
+String ApplicationBase::GetName() const
+{
+    return data->GetName();
+}
+
+int ApplicationBase::Main(int argc, char** argv, LogLevel logLevel)
+{
+    SignalHandler::BlockSignals();
+    BuildCommandLine();
+    ParseCommandLine(argc, argv);
+    if (data->commandLine.Has(helpOptionName))
+    {
+        std::cout << data->commandLine.description << std::endl;
+        return 0;
+    }
+    if (data->commandLine.Has(velaVersionOptionName))
+    {
+        std::cout << "Version VELA-Platform: " << VelaVersion::GetCurrent().ToString() << std::endl;
+        return 0;
+    }
+    try
+    {
+        Setup(logLevel, nullptr);
+        log.Info("Application '{0}' was setup successfully.", GetName());
+        const std::int32_t result = Run();
+        log.Info("Application '{0}' terminates.", GetName());
+        return result;
+    }
+    catch (...)
+    {
+        LogFatal(DescribeCurrentException());
+        return 1;
+    }
+}
+
+bool ApplicationBase::Dispose()
+{
+    if (GetName().empty())
+    {
+        return true;
+    }
+    bool isOrderly = true;
+    const auto guard = [&](const std::function<void()>& step)
+    {
+        try
+        {
+            step();
+        }
+        catch (...)
+        {
+            LogFatal(DescribeCurrentException());
+            isOrderly = false;
+        }
+    };
+    guard([this] { DisposeInternal(); });
+    data->shutdown.ReleaseEvent();
+    guard([this] { DisposeCommons(); });
+    data->SetName("");
+    return isOrderly;
+}
+
+void ApplicationBase::RestartSystem()
+{
+    Singleton<Security::KiroSecurityNotifications>::GetInstance().SendSystemRestartingNotification();
+    data->shutdown.RequestRestart();
+}
+
+bool ApplicationBase::IsRestartRequested() const noexcept
+{
+    return data->shutdown.IsRestartRequested();
+}
+
+void ApplicationBase::WaitForShutdown()
+{
+    data->shutdown.Wait();
+}
+
+void ApplicationBase::LogFatal(const String& message)
+{
+    const String name = GetName();
+    if (LogManager::TryGetInstance() != nullptr)
+    {
+        if (!name.empty())
+        {
+            log.Fatal("Fatal error occurs in application '{0}':", name);
+        }
+        log.Fatal("{0}", message);
+        return;
+    }
+    if (!name.empty())
+    {
+        std::cout << "Fatal error occurs in application '" << name << "':\n";
+    }
+    std::cout << message << std::endl;
+}
+
+std::int32_t ApplicationBase::Run()
+{
+    WaitForShutdown();
+    return 0;
+}
+
+void ApplicationBase::BuildCommandLineInternal()
+{
+}
+
+boost::program_options::options_description& ApplicationBase::GetOptionsDescription()
+{
+    return data->commandLine.description;
+}
+
+const boost::program_options::variables_map& ApplicationBase::GetParsedOptions() const
+{
+    return data->commandLine.values;
+}
+
+ApplicationData& ApplicationBase::GetData()
+{
+    return *data;
+}
+
+void ApplicationBase::SetSignalHandler(SignalHandler::Handler handler)
+{
+    data->signalHandler->SetHandler(std::move(handler));
+}
+
+void ApplicationBase::RequestShutdown()
+{
+    data->shutdown.RequestSystemShutdown();
+}
+
+void ApplicationBase::RequestProcessShutdown()
+{
+    data->shutdown.RequestProcessShutdown();
+}
+
+void ApplicationBase::RequestConsoleShutdown() noexcept
+{
+    data->shutdown.RequestConsoleShutdown();
+}
+
+bool ApplicationBase::IsShutdownRequested() const noexcept
+{
+    return data->shutdown.IsShutdownRequested();
+}
+
+} // namespace Vela::System::Kiro::Internal
