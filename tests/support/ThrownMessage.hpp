@@ -20,9 +20,9 @@ String GetThrownMessage(Function&& function)
     {
         return exception.what();
     }
-    catch (const Exception& exception)
+    catch (const std::exception& exception)
     {
-        ADD_FAILURE() << "Another exception was thrown: " << exception.ToString();
+        ADD_FAILURE() << "Another exception was thrown: " << exception.what();
         return {};
     }
     ADD_FAILURE() << "No exception was thrown.";
