@@ -1,6 +1,7 @@
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 
+#include <Diagnostics/LogConfiguration.hpp>
 #include <Diagnostics/LogManagerData.hpp>
 #include <Diagnostics/LogRegistry.hpp>
 #include <Diagnostics/LogSinks.hpp>
@@ -13,13 +14,22 @@ namespace Vela::System::Commons::Diagnostics
 namespace
 {
 
+LogManager& Create(std::shared_ptr<LogManagerData> data)
+{
+    AppDomain::CreateInstance();
+    // A second manager must not touch the sinks of the first.
+    if (LogManager::TryGetInstance() != nullptr)
+    {
+        throw InvalidOperationException("Logging was set up already");
+    }
+    return AppDomainSingleton<LogManager>::CreateInstance(std::move(data));
+}
+
 LogManager& CreateWithSink(LogLevel level, std::unique_ptr<LogSink> sink)
 {
     std::vector<std::unique_ptr<LogSink>> sinks;
     sinks.push_back(std::move(sink));
-    AppDomain::CreateInstance();
-    return AppDomainSingleton<LogManager>::CreateInstance(
-        std::make_shared<LogManagerData>(LogLevels(level), std::move(sinks)));
+    return Create(std::make_shared<LogManagerData>(LogLevels(level), std::move(sinks)));
 }
 
 } // namespace
@@ -32,6 +42,11 @@ LogManager& LogManager::CreateInstance(LogLevel level)
 LogManager& LogManager::CreateInstance(LogLevel level, const String& file)
 {
     return CreateWithSink(level, std::make_unique<FileSink>(LogLevel::Trace, file, LogRotation()));
+}
+
+LogManager& LogManager::CreateInstanceFromFile(LogLevel level, const String& configFile)
+{
+    return Create(LogConfiguration(level, configFile).MakeData());
 }
 
 void LogManager::DisposeInstance()

@@ -23,9 +23,10 @@ protected:
 /// When a log file gives way to a fresh one.
 struct LogRotation
 {
-    std::uint64_t maximumSize = 10U * 1024 * 1024;
+    /// In bytes; a single line may be longer.
+    std::uint32_t maximumSize = 10U * 1024 * 1024;
     /// How many old files are kept; file.log becomes file.1.log, that one file.2.log and so on.
-    unsigned maximumFiles = 3;
+    std::uint32_t maximumFiles = 3;
 };
 
 /// Appends lines to a file and rotates it. Nothing is kept back in the process: what was logged before a crash is in
