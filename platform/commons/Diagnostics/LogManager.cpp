@@ -61,14 +61,9 @@ LogManager* LogManager::TryGetInstance()
 
 void LogManager::AssignAppDomain(AppDomain& appDomain)
 {
-    const auto* known = Singleton<AppDomain>::TryGetInstance();
-    if (known == nullptr)
+    if (Singleton<AppDomain>::TryGetInstance() == nullptr)
     {
         Singleton<AppDomain>::SetInstance(appDomain);
-    }
-    else if (known != &appDomain)
-    {
-        throw InvalidOperationException("A process has one application domain; the library was given another one.");
     }
 }
 

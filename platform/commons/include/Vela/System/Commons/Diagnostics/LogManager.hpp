@@ -35,7 +35,8 @@ public:
 
     static LogManager* TryGetInstance();
 
-    /// Called by component libraries, so that their loggers write into the host's log.
+    /// Called by component libraries, so that their loggers write into the host's log. The first application domain of
+    /// a process counts; another one is ignored.
     /// @throws InvalidOperationException when the process has another application domain
     static void AssignAppDomain(AppDomain& appDomain);
 
