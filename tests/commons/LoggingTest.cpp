@@ -154,9 +154,10 @@ TEST_F(LoggingTest, CannotBeSetUpWithAFileThatCannotBeOpened)
 
 TEST_F(LoggingTest, GoesOnWhenTheDiskIsFull)
 {
-    auto& manager = LogManager::CreateInstance(LogLevel::Info, "/dev/full");
-    Plant::Reporter::GetLog().Info("lost");
+    auto& manager = Configure("<Sinks><File path='/dev/full'/><File path='deep/test.log'/></Sinks>");
+    Plant::Reporter::GetLog().Info("on the other disk");
     manager.Flush();
+    EXPECT_NE(directory.Read("deep/test.log").find("on the other disk"), String::npos);
 }
 
 TEST_F(LoggingTest, TellsHowManyMessagesItLostWhenItCanWriteAgain)

@@ -21,17 +21,28 @@ namespace Vela::System::Commons::Diagnostics
 namespace
 {
 
+constexpr int patience = 1000;
+
+bool AwaitWritable(int descriptor, int milliseconds)
+{
+    pollfd writable{descriptor, POLLOUT, 0};
+    return ::poll(&writable, 1, milliseconds) != 0;
+}
+
 /// One write as a rule; the rest of a line follows when the system took only a part.
 void WriteAll(int descriptor, std::string_view text)
 {
     while (!text.empty())
     {
         const auto count = RetryInterrupted([&] { return ::write(descriptor, text.data(), text.size()); });
-        if (count < 0)
+        if (count >= 0)
+        {
+            text.remove_prefix(static_cast<std::size_t>(count));
+        }
+        else if (errno != EAGAIN || !AwaitWritable(descriptor, patience))
         {
             ThrowSystemError("Could not write log");
         }
-        text.remove_prefix(static_cast<std::size_t>(count));
     }
 }
 
@@ -60,9 +71,7 @@ int GetSyslogPriority(LogLevel level)
 
 void StandardOutputSink::WriteRecord(const LogRecord& record, const String& processName)
 {
-    constexpr int patience = 1000;
-    pollfd writable{STDOUT_FILENO, POLLOUT, 0};
-    if (::poll(&writable, 1, IsLosing() ? 0 : patience) == 0)
+    if (!AwaitWritable(STDOUT_FILENO, IsLosing() ? 0 : patience))
     {
         throw Exception("Nobody reads the standard output");
     }

@@ -222,6 +222,7 @@ int LogIntoClosedPipe(const Arguments&)
     }
     ::close(ends[0]);
     Logger::Get("Pipe").Info("nobody can read this");
+    LogManager::DisposeInstance();
     std::cerr << "alive" << std::endl;
     return 0;
 }
