@@ -26,10 +26,7 @@ void RemotingWriter::WriteStringInternal(std::string_view text, std::size_t capa
     }
     WriteRaw(encoding);
     WriteRaw(static_cast<std::uint32_t>(text.size()));
-    if (!text.empty())
-    {
-        std::memcpy(Grow(text.size()), text.data(), text.size());
-    }
+    WriteBytes(std::as_bytes(std::span(text)));
 }
 
 void RemotingWriter::WriteBeginStruct(std::size_t fieldCount)
@@ -57,6 +54,14 @@ void RemotingWriter::WriteConfirmation(bool hasFailed)
     WriteRaw(hasFailed);
 }
 
+void RemotingWriter::WriteBytes(std::span<const std::byte> bytes)
+{
+    if (!bytes.empty())
+    {
+        std::memcpy(Grow(bytes.size()), bytes.data(), bytes.size());
+    }
+}
+
 void RemotingWriter::Patch(std::size_t position, std::span<const std::byte> bytes)
 {
     if (position > data.size() || bytes.size() > data.size() - position)
@@ -73,6 +78,11 @@ void RemotingWriter::Truncate(std::size_t size)
 
 void RemotingWriter::Reset(std::size_t newMaxSize)
 {
+    constexpr std::size_t keptCapacity = 65536;
+    if (data.capacity() > keptCapacity)
+    {
+        std::vector<std::byte>().swap(data);
+    }
     data.clear();
     maxSize = newMaxSize;
     hasOverflowed = false;

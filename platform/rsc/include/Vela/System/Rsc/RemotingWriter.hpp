@@ -65,11 +65,13 @@ public:
         return data;
     }
 
+    /// Bytes as they are.
+    void WriteBytes(std::span<const std::byte> bytes);
     /// Overwrites bytes that were written before.
     void Patch(std::size_t position, std::span<const std::byte> bytes);
     /// Drops everything behind a position.
     void Truncate(std::size_t size);
-    /// Drops everything and sets a new bound; the memory is kept.
+    /// Drops everything and sets a new bound; a moderate amount of memory is kept.
     void Reset(std::size_t newMaxSize);
 
 private:

@@ -1,0 +1,136 @@
+#include "Client/Connector.hpp"
+
+#include "Security/Secret.hpp"
+#include "Services/Failure.hpp"
+#include "Transport/DirectoryWatch.hpp"
+#include "Transport/Socket.hpp"
+#include "Transport/TransportException.hpp"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace Vela::System::Rsc
+{
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+/// A process that listens gets this time to answer even when the caller's own is over.
+constexpr auto minAnswerTime = 500ms;
+
+std::chrono::milliseconds GetRemaining(Connector::Clock::time_point deadline)
+{
+    return std::max<std::chrono::milliseconds>(
+        0ms, std::chrono::ceil<std::chrono::milliseconds>(deadline - Connector::Clock::now()));
+}
+
+/// Waits for the first byte, which the caller's descriptors may interrupt; frames then come as a whole.
+void WaitForAnswer(const FrameChannel& channel, Connector::Clock::time_point deadline,
+                   std::span<const int> wakeDescriptors)
+{
+    const auto result = WaitForInput(channel.GetDescriptor(),
+                                     std::max(deadline, Connector::Clock::now() + minAnswerTime), wakeDescriptors);
+    if (result != WaitResult::Changed)
+    {
+        throw TransportException(TransportFailure::TimedOut,
+                                 result == WaitResult::Woken ? "the wait was interrupted" : "timed out");
+    }
+}
+
+} // namespace
+
+Connector::Connector(std::shared_ptr<const RuntimeDirectory> runtimeDirectory, RscManagerOptions managerOptions,
+                     String ownProcessName)
+    : directory(std::move(runtimeDirectory))
+    , options(std::move(managerOptions))
+    , processName(std::move(ownProcessName))
+{
+}
+
+std::optional<Connection> Connector::Connect(const EndpointAddress& address, Clock::time_point deadline,
+                                             std::span<const int> wakeDescriptors) const
+{
+    Commons::UniqueFd socket = address.port != 0 ? ConnectToPort(address.port) : directory->Connect(address.fileName);
+    if (!socket.IsValid())
+    {
+        return std::nullopt;
+    }
+    if (address.port == 0)
+    {
+        if (const auto peer = GetPeerCredentials(socket.Get()); peer.userId != ::geteuid())
+        {
+            throw TransportException(TransportFailure::Refused,
+                                     fmt::format("the endpoint belongs to user {}", peer.userId));
+        }
+    }
+    Connection connection{std::make_unique<FrameChannel>(std::move(socket), options.callTimeout), {}, 0};
+    FrameChannel& channel = *connection.channel;
+    if (address.port != 0)
+    {
+        WaitForAnswer(channel, deadline, wakeDescriptors);
+        Secret::Open(*directory).AuthenticateServer(channel, options.callTimeout);
+    }
+    WriteRemote(channel.BeginFrame(maxControlPayload), HelloMessage{processName});
+    channel.Send(FrameKind::Hello, connection.lastRequest);
+    WaitForAnswer(channel, deadline, wakeDescriptors);
+    const Frame frame =
+        ReceiveOwed(channel, FrameKind::Welcome, connection.lastRequest, maxControlPayload, options.callTimeout);
+    RemotingReader reader(frame.payload);
+    ReadRemote(reader, connection.welcome);
+    reader.ReadEnd();
+    return connection;
+}
+
+std::optional<ServiceNumbers> Connector::Open(Connection& connection, const ServiceKey& key,
+                                              const String& interfaceName, Clock::time_point deadline,
+                                              std::span<const int> wakeDescriptors) const
+{
+    const auto wait = std::min<std::int64_t>(GetRemaining(deadline).count(), std::numeric_limits<std::int32_t>::max());
+    FrameChannel& channel = *connection.channel;
+    WriteRemote(channel.BeginFrame(maxControlPayload),
+                OpenMessage{key.provider, key.serviceName, interfaceName, static_cast<std::uint32_t>(wait)});
+    channel.Send(FrameKind::Open, ++connection.lastRequest);
+    WaitForAnswer(channel, deadline + minAnswerTime, wakeDescriptors);
+    const Frame frame =
+        ReceiveOwed(channel, FrameKind::Response, connection.lastRequest, options.maxResponseSize, options.callTimeout);
+    RemotingReader reader(frame.payload);
+    if (reader.ReadConfirmation())
+    {
+        const Failure failure = ReadFailure(reader);
+        if (failure.code == RscErrorCode::None)
+        {
+            failure.exception.Throw();
+        }
+        return std::nullopt;
+    }
+    OpenedMessage opened;
+    ReadRemote(reader, opened);
+    reader.ReadEnd();
+    return ServiceNumbers{opened.serviceNumber, opened.serviceGeneration};
+}
+
+Frame ReceiveOwed(FrameChannel& channel, FrameKind kind, std::uint32_t requestNumber, std::size_t maxPayload,
+                  std::chrono::milliseconds timeout)
+{
+    const Frame frame = channel.Receive(maxPayload, timeout);
+    if (frame.kind == FrameKind::Refusal)
+    {
+        RemotingReader reader(frame.payload);
+        String reason;
+        ReadRemote(reader, reason);
+        throw TransportException(TransportFailure::Refused, fmt::format("refused: {}", reason));
+    }
+    if (frame.kind != kind || frame.requestNumber != requestNumber)
+    {
+        throw TransportException(TransportFailure::Malformed, "malformed frame: not the answer to the request");
+    }
+    return frame;
+}
+
+} // namespace Vela::System::Rsc

@@ -1,0 +1,69 @@
+#include "RscRuntime.hpp"
+
+#include <Vela/AppDomainSingleton.hpp>
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+#include <Vela/System/Rsc/RscManager.hpp>
+
+#include <utility>
+
+namespace Vela::System::Rsc
+{
+
+RscManager& RscManager::CreateInstance(const String& applicationName, int port, const RscManagerOptions& options,
+                                       bool isMainProcess)
+{
+    AppDomain::CreateInstance();
+    if (AppDomainSingleton<RscManager>::TryGetInstance() != nullptr)
+    {
+        throw InvalidOperationException("The process has a remoting manager already.");
+    }
+    auto runtime = std::make_shared<RscRuntime>(applicationName, port, options, isMainProcess);
+    RscManager& manager = AppDomainSingleton<RscManager>::CreateInstance(runtime);
+    RscRuntime::SetInstance(std::move(runtime));
+    return manager;
+}
+
+RscManager& RscManager::CreateInstance(const String& applicationName, int port, const String& settingsPath,
+                                       bool isMainProcess)
+{
+    return CreateInstance(applicationName, port, RscManagerOptions::Load(settingsPath), isMainProcess);
+}
+
+bool RscManager::DisposeInstance()
+{
+    RscManager* manager = AppDomainSingleton<RscManager>::TryGetInstance();
+    if (manager == nullptr)
+    {
+        return true;
+    }
+    const bool hasEnded = manager->runtime->Close();
+    RscRuntime::SetInstance(nullptr);
+    AppDomainSingleton<RscManager>::DisposeInstance();
+    return hasEnded;
+}
+
+void RscManager::AssignAppDomain(AppDomain& appDomain)
+{
+    // One application domain serves all libraries of the platform.
+    Commons::Diagnostics::LogManager::AssignAppDomain(appDomain);
+}
+
+void RscManager::CloseAllClients(bool abortCalls)
+{
+    runtime->CloseClients(abortCalls);
+}
+
+int RscManager::GetPort() const noexcept
+{
+    return runtime->GetPort();
+}
+
+RscManager::RscManager(std::shared_ptr<RscRuntime> rscRuntime)
+    : runtime(std::move(rscRuntime))
+{
+}
+
+RscManager::~RscManager() = default;
+
+} // namespace Vela::System::Rsc

@@ -1,0 +1,42 @@
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/Loggable.hpp>
+#include <Vela/System/Rsc/RscServiceAuthorizator.hpp>
+
+#include <utility>
+
+namespace Vela::System::Rsc
+{
+
+namespace
+{
+
+class Audit : private Commons::Diagnostics::Loggable<RscServiceAuthorizator>
+{
+public:
+    static void LogRefusal(const RscCaller& caller, const String& service, const char* operation)
+    {
+        log.Warning("Refused operation '{0}' of service '{1}' to {2}.", operation, service, caller.ToString());
+    }
+};
+
+} // namespace
+
+RscServiceAuthorizator::RscServiceAuthorizator(String service, String interfaceId, const IRscAuthorizator* decider)
+    : serviceName(service.empty() ? interfaceId : std::move(service))
+    , interfaceName(std::move(interfaceId))
+    , authorizator(decider)
+{
+}
+
+void RscServiceAuthorizator::AuthorizeServiceInvocation(const char* operationName) const
+{
+    const RscCaller caller = RscCaller::GetCurrent();
+    if (authorizator == nullptr || !authorizator->IsAllowed(caller, interfaceName, operationName))
+    {
+        Audit::LogRefusal(caller, serviceName, operationName);
+        throw RscException("Operation '{0}' of service '{1}' is not allowed to {2}.", operationName, serviceName,
+                           caller.ToString());
+    }
+}
+
+} // namespace Vela::System::Rsc

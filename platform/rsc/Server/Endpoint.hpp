@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Server/ServerConnection.hpp"
+
+#include <Vela/String.hpp>
+#include <Vela/System/Commons/Diagnostics/Loggable.hpp>
+#include <Vela/System/Commons/UniqueFd.hpp>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace Vela::System::Rsc
+{
+
+/// Accepts clients on a Unix and, when there is one, a TCP socket, and serves each on a thread of its own.
+class Endpoint : private Commons::Diagnostics::Loggable<Endpoint>
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// @param tcpSocket  may be invalid
+    Endpoint(std::shared_ptr<const ServerData> data, Commons::UniqueFd unixSocket, Commons::UniqueFd tcpSocket);
+    Endpoint(const Endpoint&) = delete;
+    Endpoint& operator=(const Endpoint&) = delete;
+    /// StopAccepting and CloseConnections with no time left.
+    ~Endpoint();
+
+    /// Takes no more clients; idle connections end, the others after their present answer.
+    void StopAccepting() noexcept;
+    /// After StopAccepting: waits for the connections to end.
+    /// @return whether all have ended
+    bool WaitForConnections(Clock::time_point deadline);
+    /// Cuts what is left. A thread that is still inside a call then goes on by itself and ends when the call does.
+    /// @return how many these are
+    std::size_t CutConnections() noexcept;
+
+private:
+    /// Where threads report their end. Shared, because a thread may be left behind.
+    struct Board;
+
+    struct Worker
+    {
+        std::shared_ptr<ServerConnection> connection;
+        std::thread thread;
+    };
+
+    void AcceptLoop();
+    void Accept(int listener, ServerConnection::Kind kind);
+    void JoinFinished();
+
+    const std::shared_ptr<const ServerData> server;
+    Commons::UniqueFd unixListener;
+    Commons::UniqueFd tcpListener;
+    const std::shared_ptr<Board> board;
+    std::map<std::size_t, Worker> workers;
+    std::size_t nextWorker = 0;
+    std::thread acceptThread;
+};
+
+} // namespace Vela::System::Rsc

@@ -1,0 +1,258 @@
+#include "Transport/RuntimeDirectory.hpp"
+
+#include "Transport/EndpointName.hpp"
+#include "Transport/TransportException.hpp"
+
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/Io/Directory.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
+#include <Vela/System/Commons/SystemError.hpp>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <memory>
+
+namespace Vela::System::Rsc
+{
+
+using Commons::Environment;
+using Commons::ThrowSystemError;
+using Commons::UniqueFd;
+
+namespace
+{
+
+/// A runtime directory of the user's own that the system's manager has made; empty when there is none.
+String FindUserDirectory()
+{
+    String directory = Environment::GetVariableValueOr("XDG_RUNTIME_DIR", fmt::format("/run/user/{}", ::geteuid()));
+    struct stat status
+    {
+    };
+    const bool isOurs = ::stat(directory.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+                        status.st_uid == ::geteuid() && ::access(directory.c_str(), W_OK | X_OK) == 0;
+    return isOurs ? directory : String();
+}
+
+String ChoosePath()
+{
+    String path;
+    if (Environment::GetVariableValue(Environment::runtimeDirectoryName, path) && !path.empty())
+    {
+        return Commons::Io::Path::GetFullPath(path);
+    }
+    const String userDirectory = FindUserDirectory();
+    return userDirectory.empty() ? fmt::format("/tmp/vela-{}", ::geteuid())
+                                 : Commons::Io::Path::Combine(userDirectory, "vela");
+}
+
+void Create(const String& path)
+{
+    const String parent = Commons::Io::Path::GetDirectoryName(path);
+    if (!parent.empty())
+    {
+        Commons::Io::Directory::Create(parent);
+    }
+    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
+    {
+        ThrowSystemError(fmt::format("Cannot make runtime directory '{}'", path));
+    }
+}
+
+/// The address of a file in the directory: by path, or through the directory's descriptor when the path is too long.
+sockaddr_un MakeAddress(const RuntimeDirectory& directory, const String& fileName)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    String path = Commons::Io::Path::Combine(directory.GetPath(), fileName);
+    if (path.size() >= sizeof(address.sun_path))
+    {
+        path = fmt::format("/proc/self/fd/{}/{}", directory.GetDescriptor(), fileName);
+    }
+    if (path.size() >= sizeof(address.sun_path))
+    {
+        throw InvalidOperationException("The socket name '{}' is too long.", fileName);
+    }
+    std::copy(path.begin(), path.end(), std::begin(address.sun_path));
+    return address;
+}
+
+UniqueFd MakeSocket()
+{
+    UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!socket.IsValid())
+    {
+        ThrowSystemError("socket");
+    }
+    return socket;
+}
+
+} // namespace
+
+RuntimeDirectory::RuntimeDirectory()
+    : path(ChoosePath())
+{
+    Create(path);
+    descriptor.Reset(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat status
+    {
+    };
+    if (!descriptor.IsValid() || ::fstat(descriptor.Get(), &status) != 0)
+    {
+        ThrowSystemError(fmt::format("Cannot open runtime directory '{}'", path));
+    }
+    if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+    {
+        throw InvalidOperationException(
+            "Runtime directory '{}' (owner {}, mode {:o}) must belong to user {} and be writable for nobody else.",
+            path, status.st_uid, status.st_mode & 07777U, ::geteuid());
+    }
+}
+
+UniqueFd RuntimeDirectory::Listen(const String& fileName, const String& applicationName) const
+{
+    // The socket is given its name only once it listens, so that whoever finds the name can connect.
+    const String temporaryName = fmt::format("new-{}", ::getpid());
+    Remove(temporaryName);
+    UniqueFd socket = MakeSocket();
+    ::fchmod(socket.Get(), 0600);
+    const sockaddr_un address = MakeAddress(*this, temporaryName);
+    if (::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
+        ::listen(socket.Get(), SOMAXCONN) != 0)
+    {
+        const int error = errno;
+        Remove(temporaryName);
+        ThrowSystemError(fmt::format("Cannot listen in runtime directory '{}'", path), error);
+    }
+    while (::linkat(descriptor.Get(), temporaryName.c_str(), descriptor.Get(), fileName.c_str(), 0) != 0)
+    {
+        const int error = errno;
+        if (error == EEXIST && !IsLive(fileName))
+        {
+            Remove(fileName);
+            continue;
+        }
+        Remove(temporaryName);
+        if (error == EEXIST)
+        {
+            throw InvalidOperationException("Another process of runtime directory '{}' has the name '{}' already.",
+                                            path, applicationName);
+        }
+        ThrowSystemError(fmt::format("Cannot make socket '{}' in runtime directory '{}'", fileName, path), error);
+    }
+    Remove(temporaryName);
+    return socket;
+}
+
+UniqueFd RuntimeDirectory::Connect(const String& fileName) const
+{
+    UniqueFd socket = MakeSocket();
+    const sockaddr_un address = MakeAddress(*this, fileName);
+    const auto connected = Commons::RetryInterrupted(
+        [&] { return ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)); });
+    if (connected != 0)
+    {
+        if (errno == ENOENT || errno == ECONNREFUSED)
+        {
+            return UniqueFd();
+        }
+        throw TransportException(TransportFailure::System, fmt::format("connect: {}", Commons::GetErrorText(errno)));
+    }
+    return socket;
+}
+
+void RuntimeDirectory::Link(const String& linkName, const String& socketFileName) const
+{
+    while (::symlinkat(socketFileName.c_str(), descriptor.Get(), linkName.c_str()) != 0)
+    {
+        if (errno != EEXIST)
+        {
+            ThrowSystemError(fmt::format("Cannot make link '{}' in runtime directory '{}'", linkName, path));
+        }
+        const String present = ReadLink(linkName);
+        if (present == socketFileName)
+        {
+            return;
+        }
+        if (!present.empty() && IsLive(present))
+        {
+            throw InvalidOperationException("Link '{}' in runtime directory '{}' belongs to another process ('{}').",
+                                            linkName, path, present);
+        }
+        Remove(linkName);
+    }
+}
+
+void RuntimeDirectory::Remove(const String& fileName) const noexcept
+{
+    ::unlinkat(descriptor.Get(), fileName.c_str(), 0);
+}
+
+void RuntimeDirectory::Unlink(const String& linkName, const String& socketFileName) const noexcept
+{
+    if (ReadLink(linkName) == socketFileName)
+    {
+        Remove(linkName);
+    }
+}
+
+void RuntimeDirectory::RemoveLeftovers() const
+{
+    const std::vector<String> names = List();
+    for (const String& name : names)
+    {
+        if (name.starts_with("new-") || (IsSocketFileName(name) && !IsLive(name)))
+        {
+            Remove(name);
+        }
+    }
+    for (const String& name : names)
+    {
+        if ((IsComponentFileName(name) || name == mainProcessFileName) && !IsLive(name))
+        {
+            Remove(name);
+        }
+    }
+}
+
+String RuntimeDirectory::ReadLink(const String& linkName) const
+{
+    std::array<char, NAME_MAX + 1> target{};
+    const auto length = ::readlinkat(descriptor.Get(), linkName.c_str(), target.data(), target.size());
+    return length < 0 ? String() : String(target.data(), static_cast<std::size_t>(length));
+}
+
+std::vector<String> RuntimeDirectory::List() const
+{
+    std::vector<String> names;
+    UniqueFd copy(::openat(descriptor.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::fdopendir(copy.Get()), ::closedir);
+    if (directory == nullptr)
+    {
+        ThrowSystemError(fmt::format("Cannot read runtime directory '{}'", path));
+    }
+    static_cast<void>(copy.Release());
+    while (const dirent* entry = ::readdir(directory.get()))
+    {
+        names.emplace_back(static_cast<const char*>(entry->d_name));
+    }
+    return names;
+}
+
+bool RuntimeDirectory::IsLive(const String& fileName) const
+{
+    return Connect(fileName).IsValid();
+}
+
+} // namespace Vela::System::Rsc
