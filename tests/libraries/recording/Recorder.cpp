@@ -1,0 +1,142 @@
+#include "Recorder.hpp"
+
+#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Rsc/RscServiceFactory.hpp>
+
+namespace Vela::Testing
+{
+
+using namespace System::Kiro;
+
+class Recorder::Service : public IRecordingService
+{
+public:
+    explicit Service(Recorder& owner)
+        : recorder(owner)
+    {
+    }
+
+    Text GetName() override
+    {
+        return recorder.GetName();
+    }
+
+    std::uint32_t GetStepCount() override
+    {
+        return recorder.stepCount;
+    }
+
+    void Act(const Text& action) override
+    {
+        Trace(recorder.process, recorder.GetName(), "Call");
+        Testing::Act(action.ToString());
+        Trace(recorder.process, recorder.GetName(), "CallEnd");
+    }
+
+private:
+    Recorder& recorder;
+};
+
+Recorder::Recorder(IApplication& application, ILibrary& library, const String& name, const RecorderTraits& traits)
+    : ComponentBase(application, library, name, traits.category, traits.startOrder, traits.isSingleton)
+    , process(application.GetName())
+    , service(std::make_shared<Service>(*this))
+{
+    if (String path; System::Commons::Environment::GetVariableValue("RECORDING_SCRIPT", path))
+    {
+        script.AddLines(ReadFile(path), name);
+    }
+    Take("Create");
+}
+
+Recorder::~Recorder()
+{
+    Trace(process, GetName(), "Destroy");
+}
+
+void Recorder::Take(const char* step)
+{
+    ++stepCount;
+    Trace(process, GetName(), step);
+    log.Info("{0} takes step {1}", GetName(), step);
+    for (const String& action : script.GetActions(step))
+    {
+        if (action == "publish")
+        {
+            Publish();
+        }
+        else
+        {
+            Testing::Act(action);
+        }
+    }
+}
+
+void Recorder::Publish()
+{
+    System::Rsc::RscServiceFactory<IRecordingService> factory(*service);
+    PublishComponentService(nullptr, &factory);
+}
+
+void Recorder::Initialize()
+{
+    Take("Initialize");
+}
+
+void Recorder::SubscribeServices()
+{
+    Take("SubscribeServices");
+}
+
+void Recorder::LoadSettings(const String& settingsPath)
+{
+    script.AddLines(ReadFile(settingsPath), GetName());
+    Take("LoadSettings");
+}
+
+void Recorder::SetupSettings()
+{
+    Take("SetupSettings");
+}
+
+void Recorder::PublishServices()
+{
+    Take("PublishServices");
+}
+
+void Recorder::LoadConfig()
+{
+    Take("LoadConfig");
+}
+
+void Recorder::SetupConfig()
+{
+    Take("SetupConfig");
+}
+
+void Recorder::ResetConfig()
+{
+    Take("ResetConfig");
+}
+
+void Recorder::Dispose()
+{
+    Take("Dispose");
+}
+
+void Recorder::PowerDown()
+{
+    Take("PowerDown");
+}
+
+void RecordingController::Start()
+{
+    Take("Start");
+}
+
+void RecordingController::Stop()
+{
+    Take("Stop");
+}
+
+} // namespace Vela::Testing
