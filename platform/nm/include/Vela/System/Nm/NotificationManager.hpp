@@ -27,8 +27,6 @@ public:
 
     /// Whether the broker lives in this process, as it does in the main process.
     [[nodiscard]] bool HasBroker() const noexcept;
-    /// For the library itself.
-    [[nodiscard]] const std::shared_ptr<Internal::NotificationCore>& GetCore() const noexcept;
 
 private:
     const std::shared_ptr<Internal::NotificationCore> core;

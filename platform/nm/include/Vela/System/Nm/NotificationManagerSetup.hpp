@@ -16,7 +16,7 @@ public:
     /// @param applicationName name of the process, as its notifications state it
     /// @param settingsPath document with the limits of queues; empty: the defaults
     /// @throws InvalidOperationException when there is a notification manager already
-    /// @throws XmlException, NotExistException when the document is malformed or missing
+    /// @throws XmlException when the document cannot be read or is not valid
     static void Setup(const String& applicationName, bool withBroker, const String& settingsPath = {});
 
     /// Lets the broker deliver: what was sent so far, and from now on everything at once. Nothing happens in a process
