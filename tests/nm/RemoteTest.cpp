@@ -15,6 +15,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <future>
 #include <string>
 
 namespace Vela::Testing

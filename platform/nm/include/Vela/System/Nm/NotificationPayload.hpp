@@ -64,12 +64,6 @@ public:
         return timeStamp;
     }
 
-protected:
-    NotificationPayload() = default;
-    ~NotificationPayload() = default;
-    NotificationPayload(const NotificationPayload&) = default;
-    NotificationPayload& operator=(const NotificationPayload&) = default;
-
 private:
     Commons::Chrono::DateTime timeStamp;
 };
