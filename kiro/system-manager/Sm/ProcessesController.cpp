@@ -1,4 +1,3 @@
-#include <Config/KiroConfiguration.hpp>
 #include <Settings/ProcessSettings.hpp>
 #include <Sm/ChildCommandLine.hpp>
 #include <Sm/ProcessesController.hpp>
@@ -11,7 +10,6 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -31,74 +29,16 @@ constexpr std::chrono::milliseconds longestPause{500};
 
 ProcessesController::ProcessesController(ISystemManagerHost& systemManagerHost, Data::ProcessTable& processTable,
                                          const Settings::ProcessSettings& settings, SlowCallWatcher& slowCallWatcher,
-                                         ProcessConnector processConnector)
+                                         ProcessConnector processConnector, std::function<void()> abortFunction)
     : host(systemManagerHost)
     , processes(processTable)
     , processSettings(settings)
     , slowCalls(slowCallWatcher)
     , connector(std::move(processConnector))
+    , abortProcess(std::move(abortFunction))
     , watchdog(
           "ProcessesWatchdog", [this] { ProcessesWatchdogRun(); }, settings.GetWatchdogIdleTime())
 {
-}
-
-void ProcessesController::SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess)
-{
-    const String mainProcessName = host.GetName();
-    for (const auto& [name, configured] : configuration.processes.GetItems())
-    {
-        auto process = std::make_shared<ProcessData>();
-        process->name = name.empty() || singleProcess ? mainProcessName : name;
-        process->settingsPath = configured.settingsPath;
-        process->core = configured.core;
-        process->localTcpPort = configured.localTcpPort;
-        process->debugBreak = configured.debugBreak;
-        process->args = configured.args;
-        process->processOwner = configured.processOwner;
-        process->workingDirectory = configured.workingDirectory;
-        process->binaryPath = configured.binaryPath;
-        // The main process is this one, whatever its entry says.
-        process->isExternal = configured.isExternal && process->name != mainProcessName;
-        if (!singleProcess)
-        {
-            WarnOfIneffectiveAttributes(*process);
-        }
-        processes.emplace(process->name, process);
-    }
-    auto& mainProcess = processes[mainProcessName];
-    if (!mainProcess)
-    {
-        mainProcess = std::make_shared<ProcessData>();
-        mainProcess->name = mainProcessName;
-    }
-}
-
-void ProcessesController::WarnOfIneffectiveAttributes(const ProcessData& process) const
-{
-    const bool isMain = IsMainProcess(process);
-    const bool isForeign = isMain || process.isExternal;
-    const bool isOther = isForeign || !process.binaryPath.empty();
-    const std::pair<const char*, bool> attributes[] = {
-        {"processOwner", !process.processOwner.empty()},
-        {"workingDirectory", isForeign && !process.workingDirectory.empty()},
-        {"binaryPath", isForeign && !process.binaryPath.empty()},
-        {"args", isForeign && !process.args.empty()},
-        {"settingsPath", isOther && !process.settingsPath.empty()},
-        {"core", process.core < 0 || (isOther && process.core != 0)},
-        {"localTcpPort", process.localTcpPort < 0 || (isOther && process.localTcpPort != 0)},
-        {"debugBreak", isOther && process.debugBreak},
-    };
-    for (const auto& [name, isIneffective] : attributes)
-    {
-        if (isIneffective)
-        {
-            log.Warning("Process '{0}': attribute '{1}' has no effect{2}.", process.name, name,
-                        isMain               ? " on the main process"
-                        : process.isExternal ? " on an external process"
-                        : isOther            ? " on a process with an executable of its own"
-                                             : "");
-        }
-    }
 }
 
 bool ProcessesController::IsMainProcess(const ProcessData& process) const
@@ -326,7 +266,8 @@ void ProcessesController::ProcessesWatchdogRun()
             logManager->Flush();
         }
         std::this_thread::sleep_for(processSettings.GetWatchdogDelayTime());
-        std::abort();
+        abortProcess();
+        return;
     }
 }
 

@@ -11,6 +11,8 @@
 #include <Vela/System/Commons/Threading/WorkerThread.hpp>
 
 #include <chrono>
+#include <cstdlib>
+#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -35,9 +37,11 @@ class ProcessesController : private Commons::Diagnostics::Loggable<ProcessesCont
 {
 public:
     /// @param processTable  the system manager's, filled by SetupConfig
+    /// @param abortFunction  ends this process when a child has died
     ProcessesController(ISystemManagerHost& systemManagerHost, Data::ProcessTable& processTable,
                         const Settings::ProcessSettings& settings, SlowCallWatcher& slowCallWatcher,
-                        ProcessConnector processConnector = ConnectToProcess);
+                        ProcessConnector processConnector = ConnectToProcess,
+                        std::function<void()> abortFunction = std::abort);
     ProcessesController(const ProcessesController&) = delete;
     ProcessesController& operator=(const ProcessesController&) = delete;
 
@@ -84,6 +88,7 @@ private:
     const Settings::ProcessSettings& processSettings;
     SlowCallWatcher& slowCalls;
     const ProcessConnector connector;
+    const std::function<void()> abortProcess;
     ServiceTable services;
     Commons::Threading::WorkerThread watchdog;
 };

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <Sm/ISystemManagerHost.hpp>
+#include <Vela/System/Kiro/Services/ComponentInfo.hpp>
+
+#include <string>
+#include <vector>
+
+namespace Vela::Testing
+{
+
+/// The application around the system manager of a test, named "Main".
+class FakeHost : public System::Kiro::Internal::Sm::ISystemManagerHost
+{
+public:
+    std::string configPath;
+    std::string executablePath;
+    std::vector<System::Kiro::Services::ComponentInfo> defaultComponents;
+    int shutdownRequests = 0;
+    bool isAffinityOriginal = false;
+
+    String GetName() const override
+    {
+        return "Main";
+    }
+
+    String GetConfigPath() const override
+    {
+        return configPath;
+    }
+
+    String GetExecutablePath() const override
+    {
+        return executablePath;
+    }
+
+    void RequestShutdown() override
+    {
+        ++shutdownRequests;
+    }
+
+    void RestartSystem() override
+    {
+    }
+
+    std::vector<System::Kiro::Services::ComponentInfo> GetDefaultComponentInfos() const override
+    {
+        return defaultComponents;
+    }
+
+    bool ResolveDeprecatedVariableName(const String& name, String& currentName) const override
+    {
+        const bool isOld = name == "OLD";
+        if (isOld)
+        {
+            currentName = "NEW";
+        }
+        return isOld;
+    }
+
+    std::map<String, String> GetChildEnvironment() const override
+    {
+        return {{"CHILD_VARIABLE", "from the host"}};
+    }
+
+    void RunWithOriginalAffinity(const std::function<void()>& action) override
+    {
+        isAffinityOriginal = true;
+        action();
+        isAffinityOriginal = false;
+    }
+};
+
+} // namespace Vela::Testing
