@@ -41,7 +41,8 @@ std::vector<std::string> MergeEnvironment(const std::map<std::string, std::strin
     }
     for (const auto& [name, value] : changes)
     {
-        merged.push_back(name + "=" + value);
+        merged.push_back(name);
+        merged.back().append("=").append(value);
     }
     return merged;
 }
@@ -49,6 +50,7 @@ std::vector<std::string> MergeEnvironment(const std::map<std::string, std::strin
 std::vector<char*> MakePointers(std::vector<std::string>& texts)
 {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts)
     {
         pointers.push_back(text.data());
@@ -91,8 +93,13 @@ StartedProcess::StartedProcess(const std::string& executable, const std::vector<
     sigset_t noSignals;
     sigemptyset(&noSignals);
     posix_spawnattr_setsigmask(&attributes, &noSignals);
+    // Tests that run a host in their own process have it ignored.
+    sigset_t brokenPipe;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    posix_spawnattr_setsigdefault(&attributes, &brokenPipe);
     posix_spawnattr_setpgroup(&attributes, 0);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
     std::vector<std::string> command{executable};
     command.insert(command.end(), arguments.begin(), arguments.end());

@@ -209,7 +209,8 @@ void ApplicationBase::DisposeRemoting()
 
 void ApplicationBase::DisposeCheckAppDomainSingletons()
 {
-    const std::vector<String> names = Singleton<AppDomain>::GetInstance().GetSingletonsTypeName();
+    const AppDomain* domain = Singleton<AppDomain>::TryGetInstance();
+    const std::vector<String> names = domain != nullptr ? domain->GetSingletonsTypeName() : std::vector<String>();
     if (names.size() <= expectedSingletons)
     {
         return;

@@ -1,9 +1,13 @@
 #include <Host/ApplicationData.hpp>
 #include <Host/SystemRoles.hpp>
+#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Kiro/Internal/ApplicationBase.hpp>
 
 namespace Vela::System::Kiro::Internal
 {
+
+using Commons::Environment;
 
 SystemRoles::SystemRoles(ApplicationBase& applicationObject, ApplicationData& applicationData)
     : application(applicationObject)
@@ -56,7 +60,13 @@ bool SystemRoles::ResolveDeprecatedVariableName(const String& name, String& curr
 
 std::map<String, String> SystemRoles::GetChildEnvironment() const
 {
-    // The environment is published before the first child starts, so that children inherit all of it.
+    // The environment is published before the first child starts, so that children inherit all of it. A relative
+    // runtime directory would be another one in a child with a working directory of its own.
+    String directory;
+    if (Environment::GetVariableValue(Environment::runtimeDirectoryName, directory) && !directory.empty())
+    {
+        return {{Environment::runtimeDirectoryName, Commons::Io::Path::GetFullPath(directory)}};
+    }
     return {};
 }
 
