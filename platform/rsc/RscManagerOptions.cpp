@@ -29,7 +29,7 @@ namespace
 ///       </Services>
 ///     </RscSettingsDocument>
 ///
-/// Everything is optional but the name of a service.
+/// All elements are optional, and so are the limits and times.
 class RscSettingsDocument final : public Commons::Xml::IXmlSerializable
 {
 public:
@@ -112,13 +112,8 @@ private:
             if (element == "Service")
             {
                 String name;
-                bool isSecure = false;
                 reader.GetAttributeValue("name", name);
-                reader.TryGetAttributeValue("security", isSecure);
-                if (isSecure)
-                {
-                    options.securedInterfaces.insert(name);
-                }
+                reader.GetAttributeValue("security", options.serviceSecurity[name]);
             }
             else
             {

@@ -173,9 +173,10 @@ void RscRuntime::SetInstance(std::shared_ptr<RscRuntime> instance)
 
 void RscRuntime::Publish(const ServiceKey& key, IRscServiceFactory& factory)
 {
-    if (options.securedInterfaces.contains(factory.GetInterfaceName()))
+    const auto security = options.serviceSecurity.find(factory.GetInterfaceName());
+    if (security != options.serviceSecurity.end())
     {
-        factory.SetSecurityEnabled(true);
+        factory.SetSecurityEnabled(security->second);
     }
     const String componentLink = GetComponentFileName(key.provider);
     const std::lock_guard lock(publishMutex);
@@ -379,6 +380,7 @@ bool RscRuntime::Close() noexcept
     if (isMain)
     {
         directory->Unlink(mainProcessFileName, socketFileName);
+        directory->Remove(secretFileName);
     }
     {
         const std::lock_guard lock(publishMutex);

@@ -30,22 +30,20 @@ class Call : public RscFixture, public ::testing::WithParamInterface<Way>
 protected:
     std::shared_ptr<ITestService> OpenService()
     {
-        switch (GetParam())
+        Open();
+        if (GetParam() == Way::Direct)
         {
-        case Way::Direct:
-            Open();
             PublishOwn();
             return GetService(ownName);
-        case Way::Socket:
-            Open();
+        }
+        if (GetParam() == Way::Socket)
+        {
             StartPeer("Peer");
             return GetService("Peer");
-        case Way::Tcp:
-            break;
         }
-        Open();
-        StartPeer("Peer", {"port=47113"});
-        return GetService(ServiceProvider::LocalPort(47113));
+        const std::uint16_t port = FindFreePort();
+        StartPeer("Peer", {fmt::format("port={}", port)});
+        return GetService(ServiceProvider::LocalPort(port));
     }
 };
 

@@ -1,7 +1,9 @@
 #include "RscFixture.hpp"
 
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <signal.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -106,6 +108,21 @@ std::shared_ptr<ITestService> RscFixture::GetService(const ServiceProvider& prov
 std::shared_ptr<ITestService> RscFixture::GetService(const String& processName)
 {
     return GetService(ServiceProvider::Process(processName));
+}
+
+std::uint16_t RscFixture::FindFreePort()
+{
+    const Commons::UniqueFd socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof(address);
+    if (::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), length) != 0 ||
+        ::getsockname(socket.Get(), reinterpret_cast<sockaddr*>(&address), &length) != 0)
+    {
+        throw std::runtime_error("bind");
+    }
+    return ntohs(address.sin_port);
 }
 
 std::vector<std::string> RscFixture::ListFiles() const

@@ -2,6 +2,7 @@
 
 #include "TestServiceImpl.hpp"
 
+#include <Vela/AppDomainSingleton.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/UniqueFd.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
@@ -73,6 +74,8 @@ protected:
     static std::shared_ptr<ITestService> GetService(const ServiceProvider& provider);
     static std::shared_ptr<ITestService> GetService(const String& processName);
 
+    /// A TCP port that nobody listens on.
+    static std::uint16_t FindFreePort();
     /// The names of all files in the runtime directory, in byte order.
     [[nodiscard]] std::vector<std::string> ListFiles() const;
     [[nodiscard]] static std::size_t CountDescriptors();

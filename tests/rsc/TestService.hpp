@@ -53,6 +53,8 @@ public:
     virtual std::vector<Drawing> Many(std::uint32_t count) = 0;
     /// Identifies the thread that serves the call.
     virtual std::uint64_t GetThread() = 0;
+    /// Takes its time.
+    virtual void Linger(std::int32_t milliseconds) = 0;
 };
 
 } // namespace Vela::System::Rsc::Testing
@@ -84,7 +86,8 @@ struct OperationTable<Testing::ITestService>
         Operation<5, &ITestService::Split>("Split"), Operation<6, &ITestService::Describe>("Describe"),
         Operation<7, &ITestService::Fail>("Fail"), Operation<8, &ITestService::Nest>("Nest", noDeadline),
         Operation<9, &ITestService::Wait>("Wait"), Operation<10, &ITestService::Release>("Release"),
-        Operation<11, &ITestService::Many>("Many"), Operation<12, &ITestService::GetThread>("GetThread", noDeadline));
+        Operation<11, &ITestService::Many>("Many"), Operation<12, &ITestService::GetThread>("GetThread", noDeadline),
+        Operation<13, &ITestService::Linger>("Linger", noDeadline));
 };
 
 } // namespace Vela::System::Rsc
@@ -155,6 +158,11 @@ public:
     std::uint64_t GetThread() override
     {
         return Invoke<&ITestService::GetThread>();
+    }
+
+    void Linger(std::int32_t milliseconds) override
+    {
+        Invoke<&ITestService::Linger>(milliseconds);
     }
 };
 

@@ -9,12 +9,14 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 namespace Vela::System::Rsc::Testing
@@ -129,6 +131,11 @@ public:
     std::uint64_t GetThread() override
     {
         return static_cast<std::uint64_t>(::syscall(SYS_gettid));
+    }
+
+    void Linger(std::int32_t milliseconds) override
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     }
 
     std::atomic<int> calls{0};

@@ -10,9 +10,10 @@
 namespace Vela::System::Rsc
 {
 
-ProcessClient::ProcessClient(std::shared_ptr<const Connector> processConnector, EndpointAddress endpointAddress,
+ProcessClient::ProcessClient(const std::shared_ptr<const Connector>& processConnector, EndpointAddress endpointAddress,
                              WelcomeMessage processWelcome)
-    : connector(std::move(processConnector))
+    : connector(processConnector)
+    , options(processConnector->GetOptions())
     , address(std::move(endpointAddress))
     , welcome(std::move(processWelcome))
 {
@@ -36,7 +37,7 @@ std::unique_ptr<IRscTransaction> ProcessClient::BeginTransaction(const RscCall& 
 void ProcessClient::Add(std::unique_ptr<Connection> connection)
 {
     const std::lock_guard lock(mutex);
-    if (!isClosed && idle.empty() && count < GetOptions().maxConnectionsPerProcess)
+    if (!isClosed && idle.empty() && count < options.maxConnectionsPerProcess)
     {
         idle.push_back(std::move(connection));
         ++count;
@@ -64,7 +65,7 @@ ProcessClient::Taken ProcessClient::Take(bool isReserved)
         }
         if (taken.connection == nullptr)
         {
-            if (count >= GetOptions().maxConnectionsPerProcess)
+            if (count >= options.maxConnectionsPerProcess)
             {
                 throw TransportException(
                     TransportFailure::Refused,
@@ -95,8 +96,12 @@ ProcessClient::Taken ProcessClient::Take(bool isReserved)
 
 std::unique_ptr<Connection> ProcessClient::Connect()
 {
-    auto connection =
-        connector->Connect(address, Connector::Clock::now() + GetOptions().connectTimeout, std::span<const int>());
+    const auto maker = connector.lock();
+    if (maker == nullptr)
+    {
+        throw TransportException(TransportFailure::Closed, "remoting was closed");
+    }
+    auto connection = maker->Connect(address, Connector::Clock::now() + options.connectTimeout, {});
     if (!connection)
     {
         throw TransportException(TransportFailure::Closed, "the process does not listen any more");

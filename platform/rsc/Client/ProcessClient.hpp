@@ -29,7 +29,7 @@ public:
         bool isReserved = false;
     };
 
-    ProcessClient(std::shared_ptr<const Connector> processConnector, EndpointAddress endpointAddress,
+    ProcessClient(const std::shared_ptr<const Connector>& processConnector, EndpointAddress endpointAddress,
                   WelcomeMessage processWelcome);
 
     [[nodiscard]] const String& GetProcessName() const noexcept override;
@@ -49,7 +49,7 @@ public:
 
     [[nodiscard]] const RscManagerOptions& GetOptions() const noexcept
     {
-        return connector->GetOptions();
+        return options;
     }
 
     [[nodiscard]] std::uint64_t GetInstanceId() const noexcept
@@ -60,7 +60,9 @@ public:
 private:
     std::unique_ptr<Connection> Connect();
 
-    const std::shared_ptr<const Connector> connector;
+    /// A proxy that outlives remoting keeps none of its descriptors.
+    const std::weak_ptr<const Connector> connector;
+    const RscManagerOptions options;
     const EndpointAddress address;
     const WelcomeMessage welcome;
 

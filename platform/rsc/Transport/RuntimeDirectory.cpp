@@ -212,7 +212,7 @@ void RuntimeDirectory::RemoveLeftovers() const
     const std::vector<String> names = List();
     for (const String& name : names)
     {
-        if (name.starts_with("new-") || (IsSocketFileName(name) && !IsLive(name)))
+        if (name.starts_with("new-") || name == secretFileName || (IsSocketFileName(name) && !IsLive(name)))
         {
             Remove(name);
         }

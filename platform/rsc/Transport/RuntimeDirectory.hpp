@@ -47,7 +47,7 @@ public:
     /// Removes a link if it leads to that socket file.
     void Unlink(const String& linkName, const String& socketFileName) const noexcept;
 
-    /// Removes the sockets and links of processes that are gone.
+    /// Removes the sockets and links of processes that are gone, and the secret of a system that is.
     void RemoveLeftovers() const;
 
 private:

@@ -5,7 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
-#include <set>
+#include <map>
 
 namespace Vela::System::Rsc
 {
@@ -26,8 +26,8 @@ struct VELA_RSC_API RscManagerOptions
     std::chrono::milliseconds connectTimeout{3'000};
     /// How long withdrawing a service and closing wait for calls in progress.
     std::chrono::milliseconds closeTimeout{2'000};
-    /// Interfaces whose calls are authorised one by one.
-    std::set<String> securedInterfaces;
+    /// By interface: whether the calls of its services are authorised one by one. Others are as their factories say.
+    std::map<String, bool> serviceSecurity;
 
     /// Reads an Rsc.settings file. An empty path, or the default file when it is missing, gives the defaults.
     /// @throws NotExistException when another file is missing; XmlException when it is malformed

@@ -1,0 +1,54 @@
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Rsc/RscManagerOptions.hpp>
+
+#include <TemporaryDirectory.hpp>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace Vela::System::Rsc
+{
+
+using namespace std::chrono_literals;
+
+TEST(RscManagerOptions, AreReadFromAFile)
+{
+    const Vela::Testing::TemporaryDirectory directory;
+    const auto options = RscManagerOptions::Load(directory.Write("Rsc.settings", R"(<RscSettingsDocument>
+        <Limits maxRequestSize="4096" maxResponseSize="131072" maxConnections="7" maxConnectionsPerProcess="5"/>
+        <Timeouts call="1500ms" connect="2s" close="250"/>
+        <Services><Service name="A" security="true"/><Service name="B" security="false"/></Services>
+        </RscSettingsDocument>)"));
+    EXPECT_EQ(options.maxRequestSize, 4096U);
+    EXPECT_EQ(options.maxResponseSize, 131'072U);
+    EXPECT_EQ(options.maxConnections, 7U);
+    EXPECT_EQ(options.maxConnectionsPerProcess, 5U);
+    EXPECT_EQ(options.callTimeout, 1500ms);
+    EXPECT_EQ(options.connectTimeout, 2s);
+    EXPECT_EQ(options.closeTimeout, 250ms);
+    EXPECT_EQ(options.serviceSecurity, (std::map<String, bool>{{"A", true}, {"B", false}}));
+}
+
+TEST(RscManagerOptions, NeedNoFileUnlessItIsNamed)
+{
+    EXPECT_EQ(RscManagerOptions::Load("").maxRequestSize, RscManagerOptions().maxRequestSize);
+    EXPECT_EQ(RscManagerOptions::Load("Rsc.settings").callTimeout, RscManagerOptions().callTimeout);
+    EXPECT_THROW(RscManagerOptions::Load("/nowhere/Rsc.settings"), NotExistException);
+}
+
+TEST(RscManagerOptions, RefuseValuesThatCannotWork)
+{
+    const Vela::Testing::TemporaryDirectory directory;
+    for (const std::string element :
+         {R"(<Limits maxRequestSize="10"/>)", R"(<Limits maxResponseSize="4294967295"/>)",
+          R"(<Limits maxConnections="0"/>)", R"(<Limits maxConnectionsPerProcess="1"/>)", R"(<Timeouts call="0"/>)",
+          R"(<Timeouts call="25h"/>)", R"(<Services><Service security="true"/></Services>)"})
+    {
+        EXPECT_THROW(RscManagerOptions::Load(
+                         directory.Write("Rsc.settings", "<RscSettingsDocument>" + element + "</RscSettingsDocument>")),
+                     XmlException)
+            << element;
+    }
+}
+
+} // namespace Vela::System::Rsc

@@ -1,0 +1,190 @@
+#include "RawClient.hpp"
+#include "RscFixture.hpp"
+#include "Security/SipHash.hpp"
+
+#include <Vela/Exceptions.hpp>
+
+#include <CapturedLog.hpp>
+#include <ThrownMessage.hpp>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Vela::System::Rsc::Testing
+{
+
+using Vela::Testing::CapturedLog;
+using Vela::Testing::GetThrownMessage;
+
+namespace
+{
+
+class SecuredService : public RscFixture
+{
+protected:
+    ~SecuredService() override
+    {
+        Commons::Environment::SetupSecuritySettings({});
+    }
+
+    /// A settings file that switches the test service's security on.
+    std::string WriteSettings()
+    {
+        return directory.Write("files/Rsc.settings", R"(<RscSettingsDocument>
+            <Services><Service name="Vela.Testing.ITestService" security="true"/></Services></RscSettingsDocument>)");
+    }
+
+    std::string WriteGrants(const std::string& grants)
+    {
+        return directory.Write("files/Security.settings",
+                               "<SecuritySettingsDocument><Grants>" + grants + "</Grants></SecuritySettingsDocument>");
+    }
+
+    static std::string MakeGrant(const std::string& who, const std::string& operation)
+    {
+        return fmt::format(R"(<Grant {} service="Vela.Testing.ITestService" operation="{}"/>)", who, operation);
+    }
+
+    static std::string OwnUser()
+    {
+        return fmt::format(R"(user="{}")", ::geteuid());
+    }
+
+    void OpenSecured(const std::string& grants)
+    {
+        Commons::Environment::SetupSecuritySettings(WriteGrants(grants));
+        RscManager::CreateInstance(ownName, 0, WriteSettings(), false);
+        PublishOwn();
+    }
+};
+
+} // namespace
+
+TEST_F(SecuredService, RefusesWhatIsNotGrantedBeforeItReachesTheService)
+{
+    const CapturedLog log;
+    OpenSecured(MakeGrant(OwnUser(), "Nothing") + MakeGrant(R"(user="1234567")", "Fail"));
+    const auto own = GetService(ownName);
+    own->Nothing();
+    EXPECT_EQ(GetThrownMessage<RscException>([&] { own->Fail("platform"); }),
+              fmt::format("Operation 'Fail' of service 'Vela.Testing.ITestService' is not allowed to process 'Tester' "
+                          "(pid {}, uid {}).",
+                          ::getpid(), ::geteuid()));
+    EXPECT_EQ(ownService.calls, 1);
+    EXPECT_TRUE(log.Contains("Refused operation 'Fail' of service 'Vela.Testing.ITestService' to process 'Tester'"));
+
+    Peer& peer =
+        StartPeer("Peer", {"settings=" + WriteSettings(), "security=" + directory / "files/Security.settings"});
+    const auto remote = GetService("Peer");
+    remote->Nothing();
+    EXPECT_THROW(remote->Fail("platform"), RscException);
+    EXPECT_THROW(remote->Add(1, 2), RscException);
+    peer.Await("Refused operation 'Fail' of service 'Vela.Testing.ITestService' to process 'Tester'");
+    EXPECT_NE(peer.End().find("after 1 calls"), std::string::npos);
+}
+
+TEST_F(SecuredService, AuthorisesTheCallerAndNotWhoeverIsBehindIt)
+{
+    // A call that comes from another process and calls on is a call of this process.
+    OpenSecured(MakeGrant(OwnUser(), "*"));
+    StartPeer("Peer");
+    EXPECT_EQ(GetService("Peer")->Nest(ownName, 4), 4);
+}
+
+TEST_F(SecuredService, IsTheOwnUsersWithoutSecuritySettings)
+{
+    RscManager::CreateInstance(ownName, 0, WriteSettings(), false);
+    PublishOwn();
+    EXPECT_TRUE(ownFactory.IsSecurityEnabled());
+    EXPECT_EQ(GetService(ownName)->Add(1, 2), 3);
+    StartPeer("Peer", {"settings=" + WriteSettings()});
+    EXPECT_EQ(GetService("Peer")->Add(1, 2), 3);
+}
+
+TEST_F(SecuredService, GrantsToGroups)
+{
+    OpenSecured(MakeGrant(fmt::format(R"(group="{}")", ::getegid()), "Add") +
+                MakeGrant(R"(group="1234567")", "Nothing"));
+    const auto service = GetService(ownName);
+    EXPECT_EQ(service->Add(1, 2), 3);
+    EXPECT_THROW(service->Nothing(), RscException);
+}
+
+TEST_F(SecuredService, DoesNotStartWithSettingsThatItCannotFollow)
+{
+    const auto open = [this](const std::string& grants)
+    {
+        OpenSecured(grants);
+    };
+    EXPECT_NE(GetThrownMessage<XmlException>([&] { open(MakeGrant(R"(user="no such user")", "*")); })
+                  .find("The system has no user 'no such user'."),
+              String::npos);
+    EXPECT_THROW(open(MakeGrant(R"(group="no such group")", "*")), XmlException);
+    EXPECT_THROW(open(MakeGrant("", "*")), XmlException);
+    EXPECT_THROW(open(MakeGrant(R"(user="0" group="0")", "*")), XmlException);
+    EXPECT_THROW(open(R"(<Grant user="0"/>)"), XmlException);
+    Commons::Environment::SetupSecuritySettings(directory / "missing");
+    EXPECT_THROW(Open(), NotExistException);
+    EXPECT_EQ(ListFiles(), std::vector<std::string>{"files"});
+}
+
+TEST_F(SecuredService, TakesTcpClientsThatKnowTheSecretOnly)
+{
+    const CapturedLog log;
+    const std::uint16_t port = FindFreePort();
+    RscManager::CreateInstance(ownName, port, RscManagerOptions(), true);
+    PublishOwn();
+    struct stat status
+    {
+    };
+    ASSERT_EQ(::stat((directory / "system-secret").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+
+    RawClient impatient(port);
+    const auto challenge = impatient.Receive();
+    ASSERT_TRUE(challenge);
+    EXPECT_EQ(challenge->kind, RawClient::challenge);
+    EXPECT_FALSE(impatient.Introduce());
+    EXPECT_TRUE(log.Contains("no proof of the system's secret"));
+
+    RawClient guessing(port);
+    guessing.Receive();
+    guessing.SendFrame(RawClient::proof, 0, MakeRawPayload(std::uint64_t{1}, std::uint64_t{2}));
+    const auto answer = guessing.Receive();
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->kind, RawClient::refusal);
+    EXPECT_TRUE(guessing.IsClosed());
+    EXPECT_TRUE(log.Contains("wrong proof of the system's secret"));
+
+    EXPECT_NE(RawClient(port).Receive()->payload, challenge->payload) << "a proof must not be of use twice";
+    EXPECT_EQ(GetService(ServiceProvider::LocalPort(port))->Add(1, 2), 3);
+}
+
+TEST_F(SecuredService, TakesTheGatewayPortFromTheEnvironmentInTheMainProcess)
+{
+    const std::uint16_t port = FindFreePort();
+    Commons::Environment::SetVariable(RscManager::gatewayPortVariable, std::to_string(port));
+    EXPECT_EQ(RscManager::CreateInstance(ownName, 0, RscManagerOptions(), false).GetPort(), 0);
+    RscManager::DisposeInstance();
+    EXPECT_EQ(RscManager::CreateInstance(ownName, -1, RscManagerOptions(), true).GetPort(), port);
+    RscManager::DisposeInstance();
+    Commons::Environment::SetVariable(RscManager::gatewayPortVariable, "70000");
+    EXPECT_THROW(RscManager::CreateInstance(ownName, -1, RscManagerOptions(), true), InvalidOperationException);
+    Commons::Environment::SetVariable(RscManager::gatewayPortVariable, "");
+    EXPECT_EQ(RscManager::CreateInstance(ownName, -1, RscManagerOptions(), true).GetPort(), 0);
+}
+
+TEST(SipHash, AgreesWithItsPublishedVectors)
+{
+    std::array<std::byte, 16> key{};
+    std::array<std::byte, 15> message{};
+    for (std::size_t i = 0; i < key.size(); ++i)
+    {
+        key.at(i) = static_cast<std::byte>(i);
+    }
+    std::copy_n(key.begin(), message.size(), message.begin());
+    EXPECT_EQ(SipHash(key, {}), 0x726fdb47dd0e0e31U);
+    EXPECT_EQ(SipHash(key, std::span(message).first(8)), 0x93f5f5799a932462U);
+    EXPECT_EQ(SipHash(key, message), 0xa129ca6149be45e5U);
+}
+
+} // namespace Vela::System::Rsc::Testing
