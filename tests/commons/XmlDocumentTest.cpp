@@ -121,10 +121,14 @@ TEST_F(XmlDocumentTest, ReadsAFileOnceByWhateverPathItIsNamed)
 
 TEST_F(XmlDocumentTest, TakesDirectoriesWithSpecialCharactersAsTheyAre)
 {
-    directory.Write("d[$1]*$${DOC_REL}\\/root", Including({"p?rt", "plain"}));
+    Environment::SetVariable("DOC_SPECIAL", "s[1]");
+    directory.Write("d[$1]*$${DOC_REL}\\/root",
+                    Including({"p?rt", "plain", "${DOC_SPECIAL}/in", "${DOC_SPECIAL}/*.xml"}));
+    directory.Write("d[$1]*$${DOC_REL}\\/s[1]/in", "<D/>");
+    directory.Write("d[$1]*$${DOC_REL}\\/s[1]/x.xml", "<D/>");
     directory.Write("d[$1]*$${DOC_REL}\\/part", "<D><Path path='x'/><Path path='${DOC_REL}/y'/></D>");
     directory.Write("d[$1]*$${DOC_REL}\\/plain", "<D/>");
-    EXPECT_EQ(LoadMulti("d[$1]*$${DOC_REL}\\/root"), "root part plain ");
+    EXPECT_EQ(LoadMulti("d[$1]*$${DOC_REL}\\/root"), "root part plain in x.xml ");
     const std::vector<String> expected{"x", "rel/y"};
     for (std::size_t index = 0; index < expected.size(); ++index)
     {
@@ -152,8 +156,8 @@ TEST_F(XmlDocumentTest, ReportsFilesThatCannotBeReadAtTheirInclude)
     EXPECT_EQ(message(),
               "The root element is 'E', but 'D' is expected. (" + part + ":1, included from " + root + ":3)");
     directory.Write("root", Including({"${DOC_NONE}/x"}));
-    EXPECT_EQ(message(), "The path in attribute 'path' cannot be resolved: The environment variable 'DOC_NONE' in "
-                         "'${DOC_NONE}/x' is not defined. (" +
+    EXPECT_EQ(message(), "The path '${DOC_NONE}/x' of an included file cannot be resolved: The environment variable "
+                         "'DOC_NONE' in '${DOC_NONE}' is not defined. (" +
                              root + ":3)");
     directory.Write("root", Including({"${DOC_EMPTY}"}));
     EXPECT_EQ(message(), "The path of an included file must not be empty. (" + root + ":3)");

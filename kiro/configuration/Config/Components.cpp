@@ -4,6 +4,8 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/Singleton.hpp>
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
 
@@ -117,7 +119,7 @@ void Components::ResolveMultiProcessItems(const Processes& processes, bool singl
             }
             else if (!singleProcess)
             {
-                AddCopy(generic, genericName + processSeparator + processName, processName);
+                AddCopy(generic, fmt::format("{}{}{}", genericName, processSeparator, processName), processName);
             }
         }
     }

@@ -200,23 +200,14 @@ void EnvironmentVariables::ResolveAndPublishVariables()
     }
 }
 
+/// The variable has a basic definition.
 void EnvironmentVariables::ResolveAndPublishVariable(const String& name, Names& visiting)
 {
-    const auto basic = variables.find(name);
-    if (basic != variables.end())
+    ResolveAndPublishVariable(variables.at(name), visiting);
+    const auto overriding = overriddenVariables.find(name);
+    if (overriding != overriddenVariables.end())
     {
-        ResolveAndPublishVariable(basic->second, visiting);
-        const auto overriding = overriddenVariables.find(name);
-        if (overriding != overriddenVariables.end())
-        {
-            ResolveAndPublishVariable(overriding->second, visiting);
-        }
-        return;
-    }
-    String value;
-    if (!Environment::GetVariableValue(name, value))
-    {
-        throw ArgumentException("Cannot publish environment variable '{}' because it does not exists.", name);
+        ResolveAndPublishVariable(overriding->second, visiting);
     }
 }
 
@@ -251,7 +242,27 @@ void EnvironmentVariables::ResolveAndPublishDependencies(EnvironmentVariable& va
                 fmt::format("Environment variable '{}' causes a circular dependency of variable '{}'",
                             variable.GetName(), name));
         }
-        ResolveAndPublishVariable(name, visiting);
+        if (variables.contains(name))
+        {
+            ResolveAndPublishVariable(name, visiting);
+        }
+        else
+        {
+            RequireVariableFromOutside(name, variable);
+        }
+    }
+}
+
+/// Values may name variables that the settings do not define; one that exists only as an override is not among them.
+void EnvironmentVariables::RequireVariableFromOutside(const String& name, const EnvironmentVariable& neededBy)
+{
+    String value;
+    if (!Environment::GetVariableValue(name, value))
+    {
+        ArgumentException exception("Cannot publish environment variable '{}' because it does not exists.", name);
+        exception.SetInnerText(fmt::format("It is needed by environment variable '{}' ({})", neededBy.GetName(),
+                                           neededBy.GetPosition().ToString()));
+        throw exception;
     }
 }
 

@@ -66,6 +66,7 @@ private:
     void ResolveAndPublishVariable(const String& name, Names& visiting);
     void ResolveAndPublishVariable(EnvironmentVariable& variable, Names& visiting);
     void ResolveAndPublishDependencies(EnvironmentVariable& variable, Names& visiting);
+    static void RequireVariableFromOutside(const String& name, const EnvironmentVariable& neededBy);
     void CheckForCircleOfOldNames(const EnvironmentVariable& variable) const;
 
     Map variables;

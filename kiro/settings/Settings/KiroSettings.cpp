@@ -9,13 +9,12 @@
 namespace Vela::System::Kiro::Internal::Settings
 {
 
-using Commons::Xml::IXmlSerializable;
 using Commons::Xml::XmlReader;
 using Commons::Xml::XmlSerializationContext;
 
 void KiroSettings::ReadXml(XmlReader& reader, XmlSerializationContext& context)
 {
-    const std::pair<const char*, IXmlSerializable&> sections[] = {
+    const std::pair<const char*, Commons::Xml::IXmlSerializable&> sections[] = {
         {RscSettings::elementXmlName, rsc},           {EnvironmentVariables::elementXmlName, environmentVariables},
         {LogSettings::elementXmlName, log},           {ProcessSettings::elementXmlName, process},
         {SecuritySettings::elementXmlName, security}, {NmSettings::elementXmlName, nm},

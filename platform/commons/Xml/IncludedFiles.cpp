@@ -1,6 +1,7 @@
 #include "IncludedFiles.hpp"
 
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Configuration/PlaceholderExpression.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Commons/SystemError.hpp>
 
@@ -75,16 +76,64 @@ private:
     const int errorNumber;
 };
 
+/// What an include names: the path, and the same as a pattern in which only the wildcards of the document are special,
+/// not those in values of variables.
+struct ResolvedInclude
+{
+    explicit ResolvedInclude(const String& expression)
+    {
+        Configuration::PlaceholderExpression::Enumerator placeholders(expression);
+        bool hasPlaceholder = true;
+        while (hasPlaceholder)
+        {
+            hasPlaceholder = placeholders.MoveNext();
+            const String& text = placeholders.GetTextBefore();
+            hasWildcards = hasWildcards || text.find_first_of(wildcards) != String::npos;
+            path += text;
+            pattern += text;
+            if (hasPlaceholder)
+            {
+                const String value = Configuration::PlaceholderExpression::Resolve("${" + placeholders.GetName() + "}");
+                path += value;
+                pattern += EscapeWildcards(value);
+            }
+        }
+    }
+
+    String path;
+    String pattern;
+    bool hasWildcards = false;
+};
+
+ResolvedInclude Resolve(const XmlSerializationContext::Include& include)
+{
+    try
+    {
+        return ResolvedInclude(include.path);
+    }
+    catch (const Exception& exception)
+    {
+        throw XmlException::At(include.position.ToString(),
+                               fmt::format("The path '{0}' of an included file cannot be resolved: {1}", include.path,
+                                           exception.GetMessage()));
+    }
+}
+
 } // namespace
 
 std::vector<String> FindIncludedFiles(const XmlSerializationContext::Include& include, const String& directory)
 {
-    if (include.path.find_first_of(wildcards) == String::npos)
+    const ResolvedInclude resolved = Resolve(include);
+    if (resolved.path.empty())
     {
-        return {Io::Path::GetFullPath(include.path, directory)};
+        throw XmlException::At(include.position.ToString(), "The path of an included file must not be empty.");
+    }
+    if (!resolved.hasWildcards)
+    {
+        return {Io::Path::GetFullPath(resolved.path, directory)};
     }
     const String pattern =
-        Io::Path::IsAbsolute(include.path) ? include.path : EscapeWildcards(directory) + "/" + include.path;
+        Io::Path::IsAbsolute(resolved.path) ? resolved.pattern : EscapeWildcards(directory) + "/" + resolved.pattern;
     const Search search(pattern);
     if (search.HasFailed())
     {

@@ -36,7 +36,7 @@ XmlFile::Identity XmlFile::GetIdentity() const noexcept
 
 String XmlFile::Read() const
 {
-    constexpr std::size_t blockSize = 64 * 1024;
+    constexpr std::size_t blockSize = std::size_t{64} * 1024;
     String text;
     for (;;)
     {

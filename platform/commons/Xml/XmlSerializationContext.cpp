@@ -3,6 +3,8 @@
 #include <Vela/System/Commons/Xml/XmlReader.hpp>
 #include <Vela/System/Commons/Xml/XmlSerializationContext.hpp>
 
+#include <utility>
+
 namespace Vela::System::Commons::Xml
 {
 
@@ -91,16 +93,9 @@ void XmlSerializationContext::ReadIncludesElement(XmlReader& reader)
     {
         if (name == includeXmlName)
         {
-            String text;
-            reader.GetAttributeValue(includePathXmlName, text);
-            // Without a directory: what is a pattern must be told apart from the directory, which is none.
-            XmlPath path(text, {}, reader.GetPosition(), includePathXmlName);
-            path.Resolve();
-            if (path.IsEmpty())
-            {
-                throw reader.Error("The path of an included file must not be empty.");
-            }
-            includes.push_back({path.Get(), reader.GetPosition()});
+            Include include{{}, reader.GetPosition()};
+            reader.GetAttributeValue(includePathXmlName, include.path);
+            includes.push_back(std::move(include));
         }
         else
         {

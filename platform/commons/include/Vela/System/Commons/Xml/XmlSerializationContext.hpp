@@ -19,7 +19,7 @@ class XmlReader;
 class VELA_COMMONS_API XmlSerializationContext : private Diagnostics::Loggable<XmlSerializationContext>
 {
 public:
-    /// A file that the document includes, as it is written: plain path or pattern, placeholders resolved.
+    /// A file that the document includes, as it is written: a path or a pattern, with placeholders.
     struct Include
     {
         String path;
