@@ -37,7 +37,6 @@ public:
 
     /// Called by component libraries, so that their loggers write into the host's log. The first application domain of
     /// a process counts; another one is ignored.
-    /// @throws InvalidOperationException when the process has another application domain
     static void AssignAppDomain(AppDomain& appDomain);
 
     /// Writes the fatal messages and errors that are still kept to standard output: for a process that ends without
