@@ -3,6 +3,7 @@
 #include "TestSystem.hpp"
 
 #include <Vela/AppDomain.hpp>
+#include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 
@@ -144,7 +145,7 @@ TEST_F(LoggingTest, CanBeSetUpAgainAfterItWasDisposedButNotTwice)
     EXPECT_NE(text.find("second"), String::npos) << text;
     AppDomain other;
     LogManager::AssignAppDomain(other);
-    EXPECT_NE(Singleton<AppDomain>::TryGetInstance(), &other) << "the first domain counts";
+    EXPECT_NE(Singleton<AppDomain>::TryGetInstance(), &other) << "the first application domain counts";
 }
 
 TEST_F(LoggingTest, CannotBeSetUpWithAFileThatCannotBeOpened)
