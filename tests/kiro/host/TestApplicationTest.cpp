@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
+#include <exception>
 #include <string_view>
 #include <thread>
 
@@ -124,6 +126,32 @@ TEST_F(ConsoleTest, KnowsItsRoleAndItsKeyInBothCases)
     }
     EXPECT_EQ(ConsoleHost(true).GetProcessKind(), ProcessKind::Child);
     EXPECT_THROW(MainApplicationBase("Both", true, true, false), InvalidOperationException);
+}
+
+class LastWords : public MainApplicationBase
+{
+public:
+    LastWords()
+        : MainApplicationBase("LastWords", true, false, false)
+    {
+    }
+
+    using MainApplicationBase::SetupExceptionHandler;
+};
+
+TEST(ExceptionHandlerDeathTest, SaysWhatNobodyCaughtAndAborts)
+{
+    const auto die = [](void (*function)())
+    {
+        // Without a log the message goes to standard output; the test reads the other one.
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        LastWords().SetupExceptionHandler();
+        std::thread(function).join();
+    };
+    EXPECT_EXIT(die([] { throw InvalidOperationException("lost"); }), testing::KilledBySignal(SIGABRT),
+                "Terminate application after unexpected exception:\r\nInvalidOperationException: lost");
+    EXPECT_EXIT(die([] { std::terminate(); }), testing::KilledBySignal(SIGABRT),
+                "Terminate application after unknown exception");
 }
 
 } // namespace

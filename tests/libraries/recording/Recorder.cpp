@@ -28,9 +28,9 @@ public:
 
     void Act(const Text& action) override
     {
-        Trace(recorder.process, recorder.GetName(), "Call");
+        recorder.Report("Call");
         Testing::Act(action.ToString());
-        Trace(recorder.process, recorder.GetName(), "CallEnd");
+        recorder.Report("CallEnd");
     }
 
 private:
@@ -57,8 +57,7 @@ Recorder::~Recorder()
 void Recorder::Take(const char* step)
 {
     ++stepCount;
-    Trace(process, GetName(), step);
-    log.Info("{0} takes step {1}", GetName(), step);
+    Report(step);
     for (const String& action : script.GetActions(step))
     {
         if (action == "publish")
@@ -70,6 +69,12 @@ void Recorder::Take(const char* step)
             Testing::Act(action);
         }
     }
+}
+
+void Recorder::Report(const char* step) const
+{
+    Trace(process, GetName(), step);
+    log.Info("{0} takes step {1}", GetName(), step);
 }
 
 void Recorder::Publish()

@@ -48,6 +48,8 @@ protected:
 private:
     class Service;
 
+    /// Writes the step into trace and log.
+    void Report(const char* step) const;
     void Publish();
 
     const String process;

@@ -8,6 +8,10 @@
 #include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
 
+#include <IRecordingService.hpp>
+
+#include <thread>
+
 namespace Vela::Testing
 {
 namespace
@@ -18,12 +22,13 @@ using System::Kiro::Services::Internal::ISystemManagerService;
 using System::Kiro::Services::Internal::SystemManagerServiceProxyFactory;
 using System::Rsc::RscManager;
 using System::Rsc::ServiceManager;
+using System::Rsc::ServiceProvider;
 
 /// This test is a program of its own in the system under test.
-class RestartTest : public SystemTest
+class RemoteRequestTest : public SystemTest
 {
 protected:
-    RestartTest()
+    RemoteRequestTest()
     {
         Environment::Setup();
         Environment::SetVariable(Environment::runtimeDirectoryName, system.GetRuntimeDirectory());
@@ -31,7 +36,7 @@ protected:
         Configure({"MainProcess", "Left"}, {{"InMain", "MainProcess"}, {"InLeft", "Left"}});
     }
 
-    ~RestartTest() override
+    ~RemoteRequestTest() override
     {
         RscManager::DisposeInstance();
         Environment::Dispose();
@@ -43,7 +48,7 @@ protected:
     }
 };
 
-TEST_F(RestartTest, RestartsInPlaceWithTheSameProcessAndEndsOnShutdown)
+TEST_F(RemoteRequestTest, RestartsInPlaceWithTheSameProcessAndEndsOnShutdown)
 {
     StartedProcess main = system.Start();
     const std::string firstLine = main.AwaitLine(isUp);
@@ -60,7 +65,7 @@ TEST_F(RestartTest, RestartsInPlaceWithTheSameProcessAndEndsOnShutdown)
     EXPECT_EQ(GetOrder("Destroy"), "InMain InLeft InMain InLeft");
 }
 
-TEST_F(RestartTest, PowerDownRunsItsPhaseAlone)
+TEST_F(RemoteRequestTest, PowerDownRunsItsPhaseAlone)
 {
     StartedProcess main = system.Start();
     main.AwaitLine(isUp);
@@ -69,6 +74,31 @@ TEST_F(RestartTest, PowerDownRunsItsPhaseAlone)
     EXPECT_EQ(GetOrder("Stop"), "");
     GetSystemManager()->Shutdown();
     EXPECT_EQ(main.AwaitEnd(), 0) << main.GetOutput();
+}
+
+TEST_F(RemoteRequestTest, ACallThatNeverReturnsDoesNotKeepItsProcess)
+{
+    WriteScript("InMain PublishServices publish\nInLeft PublishServices publish\n");
+    for (const char* component : {"InMain", "InLeft"})
+    {
+        // Joined last: the end of the system ends the call.
+        std::jthread caller;
+        StartedProcess main = system.Start();
+        main.AwaitLine(isUp);
+        caller = std::jthread(
+            [component]
+            {
+                const RecordingServiceProxyFactory factory;
+                const auto service = ServiceManager::GetService(factory, ServiceProvider::Component(component));
+                EXPECT_THROW(service->Act(IRecordingService::Text("hang")), Exception);
+            });
+        main.AwaitLine(std::string(component) + " takes step Call");
+        main.Signal(SIGTERM);
+        EXPECT_EQ(main.AwaitEnd(), 0) << main.GetOutput();
+        caller.join();
+        EXPECT_EQ(system.FindLeftovers(), "Operator.socket ");
+        EXPECT_TRUE(main.HasOutput("Warning")) << main.GetOutput();
+    }
 }
 
 } // namespace
