@@ -236,9 +236,10 @@ TEST_F(EndpointUnderAttack, AnswersACallInProgressBeforeItCloses)
 
 TEST_F(EndpointUnderAttack, TellsWhenACallOutlivesIt)
 {
-    std::promise<void> begun;
-    TestServiceImpl service("Tester", [&begun] { begun.set_value(); });
-    RscServiceFactory<ITestService> factory(service);
+    const auto begun = std::make_shared<std::promise<void>>();
+    auto service = std::make_shared<TestServiceImpl>("Tester", [begun] { begun->set_value(); });
+    RscServiceFactory<ITestService, TestServiceImpl> factory([weakService = std::weak_ptr(service)]
+                                                             { return weakService.lock(); });
     RscManagerOptions options;
     options.closeTimeout = 50ms;
     const std::size_t threads = CountThreads();
@@ -247,13 +248,18 @@ TEST_F(EndpointUnderAttack, TellsWhenACallOutlivesIt)
     RawClient client = Connect();
     ASSERT_TRUE(client.Introduce());
     client.SendFrame(RawClient::call, 7, MakeCall(client, 9, MakePayload(60'000)));
-    begun.get_future().get();
+    begun->get_future().get();
 
     EXPECT_FALSE(ServiceManager::UnpublishService({}, factory.GetInterfaceName()));
     EXPECT_FALSE(RscManager::DisposeInstance());
     EXPECT_TRUE(client.IsClosed());
     EXPECT_TRUE(ListFiles().empty());
-    service.Release();
+
+    // The call keeps its service until it ends.
+    const std::weak_ptr<TestServiceImpl> remaining = service;
+    service->Release();
+    service.reset();
+    Await([&remaining] { return remaining.expired(); });
     Await([threads] { return CountThreads() == threads; });
 }
 
