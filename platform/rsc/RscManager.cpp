@@ -10,18 +10,39 @@
 namespace Vela::System::Rsc
 {
 
-RscManager& RscManager::CreateInstance(const String& applicationName, int port, const RscManagerOptions& options,
-                                       bool isMainProcess)
+namespace
+{
+
+template <typename MakeRuntime>
+RscManager& Register(MakeRuntime&& makeRuntime)
 {
     AppDomain::CreateInstance();
     if (AppDomainSingleton<RscManager>::TryGetInstance() != nullptr)
     {
         throw InvalidOperationException("The process has a remoting manager already.");
     }
-    auto runtime = std::make_shared<RscRuntime>(applicationName, port, options, isMainProcess);
+    std::shared_ptr<RscRuntime> runtime = makeRuntime();
     RscManager& manager = AppDomainSingleton<RscManager>::CreateInstance(runtime);
     RscRuntime::SetInstance(std::move(runtime));
     return manager;
+}
+
+} // namespace
+
+RscManager& RscManager::CreateInstance(const String& applicationName, int port, const RscManagerOptions& options,
+                                       bool isMainProcess)
+{
+    return Register(
+        [&]
+        {
+            return std::make_shared<RscRuntime>(applicationName, port, options,
+                                                isMainProcess ? RscRuntime::Role::Main : RscRuntime::Role::Child);
+        });
+}
+
+RscManager& RscManager::CreateClientInstance(const String& name, const RscManagerOptions& options)
+{
+    return Register([&] { return std::make_shared<RscRuntime>(name, 0, options, RscRuntime::Role::Client); });
 }
 
 RscManager& RscManager::CreateInstance(const String& applicationName, int port, const String& settingsPath,

@@ -91,15 +91,15 @@ std::uint16_t ChoosePort(int requested)
 
 } // namespace
 
-RscRuntime::RscRuntime(const String& name, int requestedPort, const RscManagerOptions& managerOptions,
-                       bool isMainProcess)
+RscRuntime::RscRuntime(const String& name, int requestedPort, const RscManagerOptions& managerOptions, Role processRole)
     : applicationName(name)
-    , isMain(isMainProcess)
+    , role(processRole)
     , options(managerOptions)
     , instanceId(DrawInstanceId())
-    , directory(std::make_shared<const RuntimeDirectory>())
+    , directory(std::make_shared<const RuntimeDirectory>(processRole == Role::Client ? RuntimeDirectory::Use::Look
+                                                                                     : RuntimeDirectory::Use::Share))
     , socketFileName(GetSocketFileName(name))
-    , accessControl(LoadAccessControl())
+    , accessControl(processRole == Role::Client ? nullptr : LoadAccessControl())
     , registry(std::make_shared<ServiceRegistry>())
     , localClient(std::make_shared<LocalClient>(registry, name))
     , connector(std::make_shared<const Connector>(directory, managerOptions, name))
@@ -109,12 +109,16 @@ RscRuntime::RscRuntime(const String& name, int requestedPort, const RscManagerOp
     {
         throw ArgumentNullException("applicationName");
     }
-    if (isMain)
+    if (role == Role::Client)
+    {
+        return;
+    }
+    if (role == Role::Main)
     {
         systemLock.emplace(*directory);
         directory->RemoveLeftovers();
     }
-    OpenEndpoint(requestedPort, isMainProcess);
+    OpenEndpoint(requestedPort);
     // Child processes find the directory even when it is relative or was chosen here.
     Environment::SetVariable(Environment::runtimeDirectoryName, directory->GetPath());
     log.Debug("Process '{0}' listens in runtime directory '{1}'.", applicationName, directory->GetPath());
@@ -125,7 +129,7 @@ RscRuntime::~RscRuntime()
     Close();
 }
 
-void RscRuntime::OpenEndpoint(int requestedPort, bool isMainProcess)
+void RscRuntime::OpenEndpoint(int requestedPort)
 {
     auto data = std::make_shared<ServerData>();
     data->processName = applicationName;
@@ -141,11 +145,12 @@ void RscRuntime::OpenEndpoint(int requestedPort, bool isMainProcess)
         tcpSocket = ListenOnPort(tcpPort);
         port = tcpPort;
     }
-    Commons::UniqueFd unixSocket = directory->Listen(socketFileName, applicationName);
+    Commons::UniqueFd unixSocket =
+        directory->Listen(socketFileName, applicationName, accessControl->AdmitsOthers() ? 0666 : 0600);
     try
     {
         endpoint.emplace(std::move(data), std::move(unixSocket), std::move(tcpSocket));
-        if (isMainProcess)
+        if (role == Role::Main)
         {
             directory->Link(mainProcessFileName, socketFileName);
         }
@@ -173,22 +178,25 @@ void RscRuntime::SetInstance(std::shared_ptr<RscRuntime> instance)
 
 void RscRuntime::Publish(const ServiceKey& key, IRscServiceFactory& factory)
 {
+    if (role == Role::Client)
+    {
+        throw InvalidOperationException("Process '{0}' is a client and publishes no services.", applicationName);
+    }
     const auto security = options.serviceSecurity.find(factory.GetInterfaceName());
     if (security != options.serviceSecurity.end())
     {
         factory.SetSecurityEnabled(security->second);
     }
-    const String componentLink = GetComponentFileName(key.provider);
+    auto stub = factory.CreateServiceStub(key.serviceName.c_str(), accessControl.get());
     const std::lock_guard lock(publishMutex);
-    registry->Publish(key, factory.GetInterfaceName(),
-                      factory.CreateServiceStub(key.serviceName.c_str(), accessControl.get()));
+    registry->Publish(key, factory.GetInterfaceName(), std::move(stub));
     if (key.provider.empty() || linkedComponents.contains(key.provider))
     {
         return;
     }
     try
     {
-        directory->Link(componentLink, socketFileName);
+        directory->Link(GetComponentFileName(key.provider), socketFileName);
         linkedComponents.insert(key.provider);
     }
     catch (...)
@@ -224,9 +232,9 @@ bool RscRuntime::IsOwn(const ServiceProvider& provider) const
     switch (provider.GetKind())
     {
     case ServiceProvider::Kind::Process:
-        return provider.GetName() == applicationName;
+        return role != Role::Client && provider.GetName() == applicationName;
     case ServiceProvider::Kind::MainProcess:
-        return isMain;
+        return role == Role::Main;
     case ServiceProvider::Kind::Component:
         return registry->HasProvider(provider.GetName());
     case ServiceProvider::Kind::None:
@@ -367,7 +375,7 @@ bool RscRuntime::Close() noexcept
 {
     {
         const std::lock_guard lock(clientsMutex);
-        if (isClosed || !endpoint)
+        if (isClosed)
         {
             return true;
         }
@@ -376,21 +384,13 @@ bool RscRuntime::Close() noexcept
     const std::uint64_t one = 1;
     static_cast<void>(::write(closeEvent.Get(), &one, sizeof(one)));
 
+    if (!endpoint)
+    {
+        CloseClients(true);
+        return true;
+    }
     // The names go first, so that nobody connects to an endpoint that is about to end.
-    if (isMain)
-    {
-        directory->Unlink(mainProcessFileName, socketFileName);
-        directory->Remove(secretFileName);
-    }
-    {
-        const std::lock_guard lock(publishMutex);
-        for (const String& component : std::exchange(linkedComponents, {}))
-        {
-            directory->Unlink(GetComponentFileName(component), socketFileName);
-        }
-    }
-    directory->Remove(socketFileName);
-
+    CloseEndpointNames();
     registry->Close();
     endpoint->StopAccepting();
     const auto deadline = Clock::now() + options.closeTimeout;
@@ -409,6 +409,23 @@ bool RscRuntime::Close() noexcept
     }
     systemLock.reset();
     return hasEnded;
+}
+
+void RscRuntime::CloseEndpointNames() noexcept
+{
+    if (role == Role::Main)
+    {
+        directory->Unlink(mainProcessFileName, socketFileName);
+        directory->Remove(secretFileName);
+    }
+    {
+        const std::lock_guard lock(publishMutex);
+        for (const String& component : std::exchange(linkedComponents, {}))
+        {
+            directory->Unlink(GetComponentFileName(component), socketFileName);
+        }
+    }
+    directory->Remove(socketFileName);
 }
 
 } // namespace Vela::System::Rsc

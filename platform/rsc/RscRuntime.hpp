@@ -37,7 +37,15 @@ class RscRuntime : private Commons::Diagnostics::Loggable<RscRuntime>
 public:
     using Clock = std::chrono::steady_clock;
 
-    RscRuntime(const String& applicationName, int port, const RscManagerOptions& managerOptions, bool isMainProcess);
+    enum class Role
+    {
+        Main,
+        Child,
+        /// Calls others and publishes nothing.
+        Client,
+    };
+
+    RscRuntime(const String& name, int requestedPort, const RscManagerOptions& managerOptions, Role processRole);
     RscRuntime(const RscRuntime&) = delete;
     RscRuntime& operator=(const RscRuntime&) = delete;
     ~RscRuntime();
@@ -74,7 +82,8 @@ public:
     }
 
 private:
-    void OpenEndpoint(int requestedPort, bool isMainProcess);
+    void OpenEndpoint(int requestedPort);
+    void CloseEndpointNames() noexcept;
     [[nodiscard]] EndpointAddress GetAddress(const ServiceProvider& provider) const;
     std::optional<RscServiceBinding> TryBind(const EndpointAddress& address, const ServiceKey& key,
                                              const String& interfaceName, Clock::time_point deadline,
@@ -84,7 +93,7 @@ private:
     std::shared_ptr<ProcessClient> GetClient(const EndpointAddress& address, Connection connection);
 
     const String applicationName;
-    const bool isMain;
+    const Role role;
     const RscManagerOptions options;
     const std::uint64_t instanceId;
     const std::shared_ptr<const RuntimeDirectory> directory;

@@ -180,4 +180,21 @@ TEST_F(Lookup, NeverReachesASuccessorThroughAnOldProxy)
     EXPECT_TRUE(Answers(GetService("Peer")));
 }
 
+TEST_F(Lookup, NeedsNoEndpointOfItsOwn)
+{
+    StartPeer("Peer", {"main", "component=Pump"});
+    const auto files = ListFiles();
+    RscManager::CreateClientInstance("Tool");
+    EXPECT_TRUE(Answers(GetService("Peer")));
+    EXPECT_TRUE(Answers(GetService(ServiceProvider::MainProcess())));
+    EXPECT_TRUE(Answers(GetService(ServiceProvider::Component("Pump"))));
+    EXPECT_THROW(PublishOwn(), InvalidOperationException);
+    EXPECT_EQ(ListFiles(), files);
+    EXPECT_TRUE(RscManager::DisposeInstance());
+
+    Commons::Environment::SetVariable(Commons::Environment::runtimeDirectoryName, directory / "nowhere");
+    EXPECT_THROW(RscManager::CreateClientInstance("Tool"), Exception);
+    EXPECT_EQ(ListFiles(), files);
+}
+
 } // namespace Vela::System::Rsc::Testing

@@ -9,6 +9,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <filesystem>
+
 namespace Vela::System::Rsc::Testing
 {
 
@@ -125,6 +128,32 @@ TEST_F(SecuredService, DoesNotStartWithSettingsThatItCannotFollow)
     Commons::Environment::SetupSecuritySettings(directory / "missing");
     EXPECT_THROW(Open(), NotExistException);
     EXPECT_EQ(ListFiles(), std::vector<std::string>{"files"});
+}
+
+TEST_F(SecuredService, TakesOtherUsersForWhatIsGrantedToThem)
+{
+    if (::geteuid() != 0)
+    {
+        GTEST_SKIP() << "Only root can act as another user.";
+    }
+    constexpr uid_t otherUser = 65534;
+    std::filesystem::permissions(directory.GetPath(), std::filesystem::perms(0711));
+    StartPeer("Strict");
+    const std::string security = "security=" + WriteGrants(MakeGrant(fmt::format(R"(user="{}")", otherUser), "Add"));
+    StartPeer("Secured", {"settings=" + WriteSettings(), security});
+    StartPeer("Plain", {security});
+
+    RscManagerOptions options;
+    options.connectTimeout = std::chrono::milliseconds(50);
+    RscManager::CreateClientInstance("Tool", options);
+    ASSERT_EQ(::seteuid(otherUser), 0);
+    EXPECT_THROW(GetService("Strict"), InvalidOperationException);
+    const auto secured = GetService("Secured");
+    EXPECT_EQ(secured->Add(1, 2), 3);
+    EXPECT_THROW(secured->Nothing(), RscException);
+    EXPECT_NE(GetThrownMessage<RscException>([] { GetService("Plain")->Add(1, 2); }).find("not allowed to this user"),
+              String::npos);
+    ASSERT_EQ(::seteuid(0), 0);
 }
 
 TEST_F(SecuredService, TakesTcpClientsThatKnowTheSecretOnly)

@@ -7,7 +7,6 @@
 #include "Transport/TransportException.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <limits>
@@ -63,7 +62,7 @@ std::optional<Connection> Connector::Connect(const EndpointAddress& address, Clo
     }
     if (address.port == 0)
     {
-        if (const auto peer = GetPeerCredentials(socket.Get()); peer.userId != ::geteuid())
+        if (const auto peer = GetPeerCredentials(socket.Get()); peer.userId != directory->GetOwner())
         {
             throw TransportException(TransportFailure::Refused,
                                      fmt::format("the endpoint belongs to user {}", peer.userId));

@@ -121,7 +121,6 @@ String ProcessTransaction::Describe(const Failure& failure) const
     case RscErrorCode::AccessDenied:
         return "not allowed to this user";
     case RscErrorCode::None:
-    case RscErrorCode::Unavailable:
         break;
     }
     return fmt::format("error {}: {}", static_cast<std::uint32_t>(failure.code), message);

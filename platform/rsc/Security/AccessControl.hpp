@@ -27,7 +27,8 @@ struct Grant
 /// Who may connect to this system's processes, and who may call the operations of services whose calls are authorised.
 ///
 /// Without security settings that is the system's own user. With them exactly their grants count for authorised
-/// services, for the system's own user too; all other services remain the system's own user's.
+/// services, for the system's own user too; all other services remain the system's own user's. For callers of other
+/// users to come near the sockets at all, the system needs a runtime directory that they may enter.
 class AccessControl final : public IRscAuthorizator, private Commons::Diagnostics::Loggable<AccessControl>
 {
 public:
@@ -40,6 +41,12 @@ public:
 
     [[nodiscard]] bool IsAllowed(const RscCaller& caller, const String& interfaceName,
                                  const String& operationName) const override;
+    /// Whether callers of other users may exist.
+    [[nodiscard]] bool AdmitsOthers() const noexcept
+    {
+        return grants.has_value();
+    }
+
     /// Whether anything at all is granted to a caller of another user.
     [[nodiscard]] bool MayConnect(const RscCaller& caller) const;
 

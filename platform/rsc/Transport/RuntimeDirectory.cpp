@@ -100,10 +100,13 @@ UniqueFd MakeSocket()
 
 } // namespace
 
-RuntimeDirectory::RuntimeDirectory()
+RuntimeDirectory::RuntimeDirectory(Use use)
     : path(ChoosePath())
 {
-    Create(path);
+    if (use == Use::Share)
+    {
+        Create(path);
+    }
     descriptor.Reset(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat status
     {
@@ -112,24 +115,25 @@ RuntimeDirectory::RuntimeDirectory()
     {
         ThrowSystemError(fmt::format("Cannot open runtime directory '{}'", path));
     }
-    if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+    owner = status.st_uid;
+    const bool isStrange = use == Use::Share && owner != ::geteuid();
+    if (isStrange || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
     {
         throw InvalidOperationException(
             "Runtime directory '{}' (owner {}, mode {:o}) must belong to user {} and be writable for nobody else.",
-            path, status.st_uid, status.st_mode & 07777U, ::geteuid());
+            path, owner, status.st_mode & 07777U, use == Use::Share ? ::geteuid() : owner);
     }
 }
 
-UniqueFd RuntimeDirectory::Listen(const String& fileName, const String& applicationName) const
+UniqueFd RuntimeDirectory::Listen(const String& fileName, const String& applicationName, mode_t mode) const
 {
     // The socket is given its name only once it listens, so that whoever finds the name can connect.
     const String temporaryName = fmt::format("new-{}", ::getpid());
     Remove(temporaryName);
     UniqueFd socket = MakeSocket();
-    ::fchmod(socket.Get(), 0600);
     const sockaddr_un address = MakeAddress(*this, temporaryName);
     if (::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
-        ::listen(socket.Get(), SOMAXCONN) != 0)
+        ::fchmodat(descriptor.Get(), temporaryName.c_str(), mode, 0) != 0 || ::listen(socket.Get(), SOMAXCONN) != 0)
     {
         const int error = errno;
         Remove(temporaryName);

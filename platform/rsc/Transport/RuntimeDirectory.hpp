@@ -3,7 +3,8 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/UniqueFd.hpp>
 
-#include <chrono>
+#include <sys/types.h>
+
 #include <vector>
 
 namespace Vela::System::Rsc
@@ -16,14 +17,28 @@ namespace Vela::System::Rsc
 class RuntimeDirectory
 {
 public:
+    enum class Use
+    {
+        /// By a process of the system: the directory is made when it is missing, and must belong to its user.
+        Share,
+        /// By a tool, perhaps of another user: the directory must be there.
+        Look,
+    };
+
     /// Opens the directory that VELA_PATH_RUNTIME_DIR names, or else one below the user's own runtime directory, or
-    /// else one of the user's in /tmp; makes it when it is missing.
-    /// @throws InvalidOperationException when others could write into it; Exception when it cannot be made
-    RuntimeDirectory();
+    /// else one of the user's in /tmp.
+    /// @throws InvalidOperationException when others could write into it; Exception when it cannot be made or opened
+    explicit RuntimeDirectory(Use use);
 
     [[nodiscard]] const String& GetPath() const noexcept
     {
         return path;
+    }
+
+    /// The system's user, whose processes are trusted.
+    [[nodiscard]] uid_t GetOwner() const noexcept
+    {
+        return owner;
     }
 
     [[nodiscard]] int GetDescriptor() const noexcept
@@ -33,8 +48,9 @@ public:
 
     /// A socket that listens under a file name. A file that a killed process left is replaced. The file appears when
     /// the socket listens.
+    /// @param mode  who may connect at all
     /// @throws InvalidOperationException when somebody listens there already
-    [[nodiscard]] Commons::UniqueFd Listen(const String& fileName, const String& applicationName) const;
+    [[nodiscard]] Commons::UniqueFd Listen(const String& fileName, const String& applicationName, mode_t mode) const;
     /// Connects to the socket that a file or link leads to; an invalid descriptor when nobody listens.
     /// @throws TransportException
     [[nodiscard]] Commons::UniqueFd Connect(const String& fileName) const;
@@ -57,6 +73,7 @@ private:
 
     String path;
     Commons::UniqueFd descriptor;
+    uid_t owner = 0;
 };
 
 /// Makes a main process the only one of a runtime directory, for as long as the object lives.

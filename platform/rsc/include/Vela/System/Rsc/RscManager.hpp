@@ -30,6 +30,12 @@ public:
     /// @throws as RscManagerOptions::Load besides
     static RscManager& CreateInstance(const String& applicationName, int port, const String& settingsPath,
                                       bool isMainProcess);
+    /// Makes the remoting of a tool: it has no endpoint and publishes nothing, needs no name of its own, and may belong
+    /// to another user than the system, whose security settings then say what it may call.
+    /// @param name  for the log of the processes that it calls
+    /// @throws InvalidOperationException when there is a manager already; Exception when the system's runtime directory
+    ///         does not exist
+    static RscManager& CreateClientInstance(const String& name, const RscManagerOptions& options = {});
     /// Closes the endpoint, lets calls in progress end and be answered within the close time-out, then closes every
     /// connection. Proxies may outlive it; their calls fail. Without an instance nothing happens. Not from inside a
     /// call.

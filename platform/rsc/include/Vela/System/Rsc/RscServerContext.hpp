@@ -27,8 +27,6 @@ enum class RscErrorCode : std::uint32_t
     ResponseTooLarge = 0x40000004,
     /// The caller may not call the service.
     AccessDenied = 0x40000005,
-    /// The endpoint is full or about to close.
-    Unavailable = 0x40000006,
 };
 
 /// One call, seen from the stub: where its arguments come from and its answer goes to.

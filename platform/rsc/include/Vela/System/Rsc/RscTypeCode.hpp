@@ -28,9 +28,14 @@ enum class RscTypeCode : std::uint8_t
     Array = 33,
 };
 
-/// The arithmetic types that travel by themselves: bool, the integers of 8 to 64 bits, float and double.
+template <typename T, typename... Others>
+concept NoneOf = !(std::same_as<T, Others> || ...);
+
+/// The arithmetic types that travel by themselves: bool, the integers of 8 to 64 bits, float and double. Characters do
+/// not: whether `char` has a sign depends on the architecture.
 template <typename T>
-concept RscScalar = std::is_arithmetic_v<T> && !std::same_as<T, long double> && sizeof(T) <= 8;
+concept RscScalar = std::is_arithmetic_v<T> && NoneOf<T, long double, char, wchar_t, char8_t, char16_t, char32_t> &&
+                    sizeof(T) <= 8;
 
 /// The type code of a scalar; integers by size and sign, so that `long` is right on every architecture.
 template <RscScalar T>
