@@ -22,6 +22,18 @@ namespace
 /// The signals whose dispositions a process changes for itself.
 constexpr std::array changedSignals{SIGTERM, SIGINT, SIGCHLD, SIGPIPE};
 
+/// Opens standard streams that are closed on /dev/null: otherwise the next file would take their place and the log with
+/// it. Children inherit them.
+void OpenMissingStreams()
+{
+    int descriptor = 0;
+    do
+    {
+        descriptor = open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    close(descriptor);
+}
+
 std::vector<String> CopyTexts(char** texts)
 {
     std::vector<String> copies;
@@ -62,6 +74,7 @@ struct StartState::Data
 StartState::StartState(int argc, char** argv)
     : data(std::make_unique<Data>())
 {
+    OpenMissingStreams();
     data->executable = Commons::Environment::GetExecutablePath();
     data->arguments.assign(argv, argv + argc);
     data->environment = CopyTexts(environ);

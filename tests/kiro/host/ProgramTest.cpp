@@ -2,12 +2,16 @@
 
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Kiro/Internal/Program.hpp>
+#include <Vela/System/Kiro/Internal/StartState.hpp>
 
 #include <StartedProcess.hpp>
 #include <TestSystem.hpp>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 
@@ -75,6 +79,22 @@ TEST_F(ProgramTest, StartAgainRestoresEverythingAsItWasAtTheStart)
     const std::string first = output.substr(0, output.find('\n') + 1);
     EXPECT_EQ(output, first + first);
     EXPECT_NE(first.find("'two words' '' 0 0 0 default ignored default"), std::string::npos) << first;
+}
+
+TEST(StartStateDeathTest, FillsThePlaceOfAClosedStream)
+{
+    const auto start = []
+    {
+        close(STDIN_FILENO);
+        close(STDOUT_FILENO);
+        Arguments arguments({});
+        const StartState state(arguments.GetCount(), arguments.Get());
+        const bool areFilled = std::filesystem::read_symlink("/proc/self/fd/0") == "/dev/null" &&
+                               std::filesystem::read_symlink("/proc/self/fd/1") == "/dev/null" &&
+                               std::filesystem::read_symlink("/proc/self/fd/2") != "/dev/null";
+        std::_Exit(areFilled ? 0 : 1);
+    };
+    EXPECT_EXIT(start(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

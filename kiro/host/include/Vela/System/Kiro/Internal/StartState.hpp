@@ -13,6 +13,7 @@ namespace Vela::System::Kiro::Internal
 class VELA_KIRO_API StartState
 {
 public:
+    /// Standard streams that are closed are opened on /dev/null besides.
     StartState(int argc, char** argv);
     StartState(const StartState&) = delete;
     StartState& operator=(const StartState&) = delete;
