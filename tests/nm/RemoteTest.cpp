@@ -32,9 +32,11 @@ namespace
 class Peer
 {
 public:
-    Peer(const TemporaryDirectory& runtimeDirectory, const std::string& name, const std::string& pattern)
+    Peer(const TemporaryDirectory& runtimeDirectory, const std::string& name, const std::string& pattern,
+         const std::string& kind = "process")
         : input(MakePipe())
-        , process(VELA_NM_PEER, {name, pattern}, {{"VELA_PATH_RUNTIME_DIR", runtimeDirectory.GetPath()}}, {}, input[0])
+        , process(VELA_NM_PEER, {name, pattern, kind}, {{"VELA_PATH_RUNTIME_DIR", runtimeDirectory.GetPath()}}, {},
+                  input[0])
     {
         ::close(input[0]);
     }
@@ -121,7 +123,7 @@ TEST_F(NotificationsBetweenProcesses, TravelBothWays)
 {
     Peer peer(directory, "Child", "Main.*");
     peer->AwaitLine("subscribed");
-    Peer tool(directory, "Tool", "*");
+    Peer tool(directory, "Tool", "*", "tool");
     tool->AwaitLine("subscribed");
     Send(1);
     Send(2, "two");
@@ -150,7 +152,7 @@ TEST_F(NotificationsBetweenProcesses, TravelBothWays)
 TEST_F(NotificationsBetweenProcesses, ArriveAlthoughTheSenderEndsAtOnce)
 {
     NotificationManagerSetup::StartDispatching();
-    Peer tool(directory, "Tool", "Peer.*");
+    Peer tool(directory, "Tool", "Peer.*", "tool");
     tool->AwaitLine("subscribed");
     Peer peer(directory, "Child", "Nothing");
     for (int i = 0; i < 300; ++i)

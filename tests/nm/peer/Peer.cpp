@@ -1,6 +1,7 @@
-// A process without broker for the tests of notifications between processes. Arguments: application name, pattern.
-// It subscribes to the pattern and writes a line for everything it receives or misses; each line that it reads from
-// standard input it sends as a notification "Peer.Said". At the end of its input it ends.
+// A process without broker for the tests of notifications between processes. Arguments: application name, pattern,
+// "tool" for a process without endpoint. It subscribes to the pattern and writes a line for everything it receives or
+// misses; each line that it reads from standard input it sends as a notification "Peer.Said". At the end of its input
+// it ends.
 
 #include <Vela/AppDomain.hpp>
 #include <Vela/CaughtException.hpp>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <iostream>
 #include <string>
+#include <vector>
 
 using namespace Vela;
 using namespace Vela::System;
@@ -47,16 +49,25 @@ void Run(const std::string& name, const std::string& pattern)
 
 int main(int argc, char** argv)
 {
-    if (argc != 3)
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments.size() < 2)
     {
         return 2;
     }
+    const std::string& name = arguments[0];
     try
     {
-        AppDomain::CreateInstance().SetApplicationName(argv[1]);
-        Rsc::RscManager::CreateInstance(argv[1], 0, Rsc::RscManagerOptions{}, false);
-        Nm::NotificationManagerSetup::Setup(argv[1], false);
-        Run(argv[1], argv[2]);
+        AppDomain::CreateInstance().SetApplicationName(name);
+        if (arguments.back() == "tool")
+        {
+            Rsc::RscManager::CreateClientInstance(name);
+        }
+        else
+        {
+            Rsc::RscManager::CreateInstance(name, 0, Rsc::RscManagerOptions{}, false);
+        }
+        Nm::NotificationManagerSetup::Setup(name, false);
+        Run(name, arguments[1]);
         Nm::NotificationManagerSetup::Dispose();
         return Rsc::RscManager::DisposeInstance() ? 0 : 1;
     }
