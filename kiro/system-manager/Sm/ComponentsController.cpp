@@ -4,6 +4,7 @@
 #include <Vela/System/Kiro/ComponentCategory.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
 
+#include <algorithm>
 #include <vector>
 
 namespace Vela::System::Kiro::Internal::Sm
@@ -191,10 +192,8 @@ ComponentsController::ForwardResult ComponentsController::RunForward(const Forwa
                       Describe(CaughtException::Current(), phase.failure, entry.component->name));
             if (phase.rollBack != nullptr)
             {
-                for (auto undone = visited.rbegin(); undone != visited.rend(); ++undone)
-                {
-                    StepBackward(*phase.rollBack, **undone);
-                }
+                std::for_each(visited.rbegin(), visited.rend(),
+                              [&](Entry* undone) { StepBackward(*phase.rollBack, *undone); });
                 throw;
             }
             result.hasRequiredFailed = true;
@@ -241,14 +240,15 @@ bool ComponentsController::StepForward(const ForwardPhase& phase, Entry& entry)
 std::optional<CaughtException> ComponentsController::RunBackward(const BackwardPhase& phase)
 {
     std::optional<CaughtException> firstFailure;
-    for (auto entry = executionList.rbegin(); entry != executionList.rend(); ++entry)
-    {
-        auto failure = StepBackward(phase, entry->second);
-        if (failure && !firstFailure)
-        {
-            firstFailure = std::move(failure);
-        }
-    }
+    std::for_each(executionList.rbegin(), executionList.rend(),
+                  [&](auto& entry)
+                  {
+                      auto failure = StepBackward(phase, entry.second);
+                      if (failure && !firstFailure)
+                      {
+                          firstFailure = std::move(failure);
+                      }
+                  });
     return firstFailure;
 }
 

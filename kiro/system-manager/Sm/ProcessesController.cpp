@@ -330,6 +330,7 @@ void ProcessesController::AwaitExits(const TimeoutWatch& watch) const
     for (auto living = GetExitDescriptors(); !living.empty() && !watch.HasTimeout(); living = GetExitDescriptors())
     {
         std::vector<pollfd> events;
+        events.reserve(living.size());
         for (const int descriptor : living)
         {
             events.push_back({descriptor, POLLIN, 0});

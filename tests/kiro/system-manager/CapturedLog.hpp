@@ -44,7 +44,7 @@ public:
             std::string time, process, level, category, message;
             words >> time >> process >> level >> category >> std::ws;
             std::getline(words, message);
-            lines.push_back(level + ": " + message);
+            lines.push_back(level.append(": ").append(message));
         }
         return lines;
     }

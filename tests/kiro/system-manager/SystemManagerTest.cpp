@@ -271,6 +271,7 @@ TEST_F(SystemManagerTest, ServesItsTwoServices)
         Rsc::ServiceManager::GetService(Kiro::Services::SystemManagerServiceProxyFactory::GetInstance());
     const auto infos = publicService->GetComponentInfos();
     std::vector<std::string> names;
+    names.reserve(infos.size());
     for (const auto& info : infos)
     {
         names.push_back(info.name.ToString());
