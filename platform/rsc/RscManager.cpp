@@ -72,7 +72,7 @@ void RscManager::AssignAppDomain(AppDomain& appDomain)
 
 void RscManager::CloseAllClients(bool abortCalls)
 {
-    runtime->CloseClients(abortCalls);
+    runtime->GetFinder().CloseClients(abortCalls);
 }
 
 int RscManager::GetPort() const noexcept

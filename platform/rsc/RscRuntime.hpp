@@ -1,27 +1,20 @@
 #pragma once
 
-#include "Client/Connector.hpp"
-#include "Client/LocalClient.hpp"
-#include "Client/ProcessClient.hpp"
+#include "Client/ServiceFinder.hpp"
 #include "Server/Endpoint.hpp"
 #include "Server/ServiceRegistry.hpp"
 #include "Transport/RuntimeDirectory.hpp"
 
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
-#include <Vela/System/Commons/UniqueFd.hpp>
 #include <Vela/System/Rsc/RscManagerOptions.hpp>
 #include <Vela/System/Rsc/RscServiceFactory.hpp>
-#include <Vela/System/Rsc/ServiceProvider.hpp>
 
 #include <chrono>
-#include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
-#include <span>
 
 namespace Vela::System::Rsc
 {
@@ -58,15 +51,11 @@ public:
     /// Withdraws one service, or all of a provider when the service's name is empty.
     bool Unpublish(const ServiceKey& key);
 
-    /// Finds a service, waiting for it until the deadline.
-    /// @param why  set to the reason of the last failed attempt
-    std::optional<RscServiceBinding> Bind(const ServiceProvider& provider, const String& interfaceName,
-                                          std::chrono::milliseconds timeout, std::span<const int> wakeDescriptors,
-                                          String& why);
-    /// Whether the provider is this process, which then answers without a wait.
-    [[nodiscard]] bool IsOwn(const ServiceProvider& provider) const;
+    [[nodiscard]] ServiceFinder& GetFinder() noexcept
+    {
+        return finder;
+    }
 
-    void CloseClients(bool abortCalls) noexcept;
     /// Closes everything; the second call does nothing.
     /// @return false when a call is still running
     bool Close() noexcept;
@@ -84,33 +73,18 @@ public:
 private:
     void OpenEndpoint(int requestedPort);
     void CloseEndpointNames() noexcept;
-    [[nodiscard]] EndpointAddress GetAddress(const ServiceProvider& provider) const;
-    std::optional<RscServiceBinding> TryBind(const EndpointAddress& address, const ServiceKey& key,
-                                             const String& interfaceName, Clock::time_point deadline,
-                                             std::span<const int> wakeDescriptors);
-    std::optional<RscServiceBinding> BindOwn(const ServiceKey& key, const String& interfaceName,
-                                             Clock::time_point deadline);
-    std::shared_ptr<ProcessClient> GetClient(const EndpointAddress& address, Connection connection);
 
     const String applicationName;
     const Role role;
     const RscManagerOptions options;
-    const std::uint64_t instanceId;
     const std::shared_ptr<const RuntimeDirectory> directory;
     std::optional<SystemLock> systemLock;
     const String socketFileName;
     const std::shared_ptr<const AccessControl> accessControl;
     const std::shared_ptr<ServiceRegistry> registry;
-    const std::shared_ptr<LocalClient> localClient;
-    const std::shared_ptr<const Connector> connector;
-    /// Readable once the runtime is closed: ends the waits for other processes.
-    const Commons::UniqueFd closeEvent;
+    ServiceFinder finder;
     int port = 0;
     std::optional<Endpoint> endpoint;
-
-    std::mutex clientsMutex;
-    std::map<std::uint64_t, std::weak_ptr<ProcessClient>> clients;
-    bool isClosed = false;
 
     /// Publishing and withdrawing of components' services, so that a component's link is there as long as any of them.
     std::mutex publishMutex;

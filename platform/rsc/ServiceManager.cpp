@@ -75,9 +75,10 @@ RscServiceBinding ServiceManager::Bind(const RscServiceProxyFactoryBase& factory
     CheckProvider(provider);
     const auto runtime = GetRuntime();
     // This process publishes its services before it looks for them: there is nothing to wait for.
-    const auto timeout = runtime->IsOwn(provider) ? std::chrono::milliseconds(0) : runtime->GetOptions().connectTimeout;
+    const auto timeout =
+        runtime->GetFinder().IsOwn(provider) ? std::chrono::milliseconds(0) : runtime->GetOptions().connectTimeout;
     String why;
-    if (auto binding = runtime->Bind(provider, factory.GetInterfaceName(), timeout, {}, why))
+    if (auto binding = runtime->GetFinder().Bind(provider, factory.GetInterfaceName(), timeout, {}, why))
     {
         return *std::move(binding);
     }
@@ -94,7 +95,7 @@ std::optional<RscServiceBinding> ServiceManager::TryBind(const RscServiceProxyFa
 {
     CheckProvider(provider);
     String why;
-    return GetRuntime()->Bind(provider, factory.GetInterfaceName(), timeout, wakeDescriptors, why);
+    return GetRuntime()->GetFinder().Bind(provider, factory.GetInterfaceName(), timeout, wakeDescriptors, why);
 }
 
 } // namespace Vela::System::Rsc
