@@ -26,6 +26,8 @@ protected:
         AppDomain::CreateInstance();
         Environment::Setup();
         Environment::SetVariable(ShadowCopy::shadowDirEnvName, "");
+        Environment::SetVariable("RECORDING_SCRIPT", "");
+        Environment::SetVariable("RECORDING_TRACE", "");
     }
 
     ~Loader() override

@@ -135,6 +135,8 @@ TestProcess::TestProcess()
     : record(stepRecord)
 {
     System::Commons::Environment::Setup();
+    System::Commons::Environment::SetVariable("RECORDING_SCRIPT", "");
+    System::Commons::Environment::SetVariable("RECORDING_TRACE", "");
     processManager.LoadStaticLibraries();
     record = {};
 }

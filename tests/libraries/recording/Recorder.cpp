@@ -42,10 +42,7 @@ Recorder::Recorder(IApplication& application, ILibrary& library, const String& n
     , process(application.GetName())
     , service(std::make_shared<Service>(*this))
 {
-    if (String path; System::Commons::Environment::GetVariableValue("RECORDING_SCRIPT", path))
-    {
-        script.AddLines(ReadFile(path), name);
-    }
+    script.AddLines(ReadFile(System::Commons::Environment::GetVariableValueOr("RECORDING_SCRIPT", "")), name);
     Take("Create");
 }
 

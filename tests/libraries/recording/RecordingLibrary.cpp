@@ -16,7 +16,8 @@
 //     throw platform|standard|own|unknown [text]   own: a standard exception whose class lives in this library
 //     sleep <milliseconds>
 //     hang                                          never returns
-//     await <fifo>                                  until somebody opens the FIFO for writing
+//     await <fifo>                                  until somebody has opened the FIFO for writing and closed it again;
+//                                                   when that opening returns, the step is here
 //     crash | kill | exit <code>                    the process ends: SIGSEGV, SIGKILL, _exit
 //     publish                                       publishes IRecordingService under the component's name
 //
@@ -27,6 +28,7 @@
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Kiro/LibraryBase.hpp>
 
+#include <map>
 #include <sstream>
 
 namespace
@@ -140,10 +142,7 @@ public:
     {
         Trace("-", "-", "Load");
         Script script;
-        if (String path; Vela::System::Commons::Environment::GetVariableValue("RECORDING_SCRIPT", path))
-        {
-            script.AddLines(ReadFile(path), "-");
-        }
+        script.AddLines(ReadFile(Vela::System::Commons::Environment::GetVariableValueOr("RECORDING_SCRIPT", "")), "-");
         for (const String& action : script.GetActions("Load"))
         {
             Act(action);
