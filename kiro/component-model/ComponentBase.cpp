@@ -1,5 +1,4 @@
 #include <Vela/System/Kiro/ComponentBase.hpp>
-#include <Vela/System/Kiro/ILibrary.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
 
 namespace Vela::System::Kiro

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <Vela/System/Kiro/Api.hpp>
+#include <Vela/System/Kiro/IApplication.hpp>
 #include <Vela/System/Kiro/IComponent.hpp>
+#include <Vela/System/Kiro/ILibrary.hpp>
 
 #include <cstdint>
 #include <limits>
