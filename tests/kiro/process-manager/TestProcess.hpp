@@ -19,7 +19,7 @@ namespace Vela::Testing
 /// A library of the build tree.
 inline String GetLibraryPath(const String& name)
 {
-    return String(TEST_LIBRARIES_DIRECTORY) + "/lib" + name + ".so";
+    return TEST_LIBRARIES_DIRECTORY "/lib" + name + ".so";
 }
 
 /// The hosting process of the tests.
