@@ -22,10 +22,15 @@ using Commons::Environment;
 namespace
 {
 
+/// Time for a call that waited for another process to end after that wait was cut.
+constexpr std::chrono::milliseconds abortTime{200};
+
 struct InstanceSlot
 {
     std::mutex mutex;
     std::shared_ptr<RscRuntime> instance;
+    /// Services of a closed runtime in which calls went on; the last such call ends it.
+    std::weak_ptr<ServiceRegistry> leftRegistry;
 };
 
 InstanceSlot& GetInstanceSlot()
@@ -33,6 +38,15 @@ InstanceSlot& GetInstanceSlot()
     // Never destroyed: a thread may look a service up to the very end.
     static auto& slot = *new InstanceSlot;
     return slot;
+}
+
+/// Selects one service, or all of a provider when the service's name is empty.
+auto Selector(const ServiceKey& key)
+{
+    return [&key](const ServiceKey& other)
+    {
+        return other.provider == key.provider && (key.serviceName.empty() || other.serviceName == key.serviceName);
+    };
 }
 
 std::shared_ptr<const AccessControl> LoadAccessControl()
@@ -185,10 +199,7 @@ void RscRuntime::Publish(const ServiceKey& key, IRscServiceFactory& factory)
 
 bool RscRuntime::Unpublish(const ServiceKey& key)
 {
-    const bool hasDrained = registry->Withdraw(
-        [&key](const ServiceKey& other)
-        { return other.provider == key.provider && (key.serviceName.empty() || other.serviceName == key.serviceName); },
-        Clock::now() + options.closeTimeout);
+    const bool hasDrained = registry->Withdraw(Selector(key), Clock::now() + options.closeTimeout);
     if (!hasDrained)
     {
         log.Warning("Service '{0}' of service provider '{1}' was withdrawn while a call of it is in progress.",
@@ -201,6 +212,18 @@ bool RscRuntime::Unpublish(const ServiceKey& key)
         linkedComponents.erase(key.provider);
     }
     return hasDrained;
+}
+
+bool RscRuntime::UnpublishLeft(const ServiceKey& key)
+{
+    InstanceSlot& slot = GetInstanceSlot();
+    std::shared_ptr<ServiceRegistry> left;
+    {
+        const std::lock_guard lock(slot.mutex);
+        left = slot.leftRegistry.lock();
+    }
+    // Closing has waited for the calls already.
+    return left == nullptr || left->Withdraw(Selector(key), Clock::now());
 }
 
 bool RscRuntime::Close() noexcept
@@ -219,11 +242,14 @@ bool RscRuntime::Close() noexcept
     registry->Close();
     endpoint->StopAccepting();
     const auto deadline = Clock::now() + options.closeTimeout;
-    bool hasEnded = endpoint->WaitForConnections(deadline) && registry->WaitUntilUnused(deadline);
+    if (endpoint->WaitForConnections(deadline))
+    {
+        registry->WaitUntilUnused(deadline);
+    }
     // A call that itself waits for another process ends with its own call.
     finder.CloseClients(true);
     const std::size_t left = endpoint->CutConnections();
-    hasEnded = left == 0 && registry->WaitUntilUnused(Clock::now());
+    const bool hasEnded = left == 0 && registry->WaitUntilUnused(Clock::now() + abortTime);
     if (hasEnded)
     {
         registry->Withdraw([](const ServiceKey&) { return true; }, Clock::now());
@@ -231,6 +257,9 @@ bool RscRuntime::Close() noexcept
     else
     {
         log.Warning("Remoting of process '{0}' was closed while calls are still in progress.", applicationName);
+        InstanceSlot& slot = GetInstanceSlot();
+        const std::lock_guard lock(slot.mutex);
+        slot.leftRegistry = registry;
     }
     systemLock.reset();
     return hasEnded;

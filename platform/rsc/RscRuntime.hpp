@@ -50,6 +50,8 @@ public:
     void Publish(const ServiceKey& key, IRscServiceFactory& factory);
     /// Withdraws one service, or all of a provider when the service's name is empty.
     bool Unpublish(const ServiceKey& key);
+    /// The same after the process's remoting was closed, for services whose calls outlived it.
+    static bool UnpublishLeft(const ServiceKey& key);
 
     [[nodiscard]] ServiceFinder& GetFinder() noexcept
     {

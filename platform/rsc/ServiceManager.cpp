@@ -34,7 +34,7 @@ void CheckProvider(const ServiceProvider& provider)
 bool Withdraw(const ServiceKey& key)
 {
     const auto runtime = RscRuntime::TryGetInstance();
-    return runtime == nullptr || runtime->Unpublish(key);
+    return runtime != nullptr ? runtime->Unpublish(key) : RscRuntime::UnpublishLeft(key);
 }
 
 } // namespace

@@ -263,6 +263,54 @@ TEST_F(EndpointUnderAttack, TellsWhenACallOutlivesIt)
     Await([threads] { return CountThreads() == threads; });
 }
 
+TEST_F(EndpointUnderAttack, KnowsTheServicesOfCallsThatOutliveIt)
+{
+    const auto begun = std::make_shared<std::promise<void>>();
+    auto service = std::make_shared<TestServiceImpl>("Tester", [begun] { begun->set_value(); });
+    RscServiceFactory<ITestService, TestServiceImpl> factory([&service] { return service; });
+    RscManagerOptions options;
+    options.closeTimeout = 50ms;
+    Open(false, options);
+    ServiceManager::PublishComponentService("Pump", nullptr, &factory);
+    ServiceManager::PublishComponentService("Valve", nullptr, &ownFactory);
+    const auto proxy = GetService(ServiceProvider::Component("Pump"));
+    auto call = std::async(std::launch::async, [&proxy] { return proxy->Wait(60'000); });
+    begun->get_future().get();
+
+    EXPECT_FALSE(RscManager::DisposeInstance());
+    EXPECT_TRUE(ServiceManager::UnpublishComponentServices("Valve"));
+    EXPECT_FALSE(ServiceManager::UnpublishComponentServices("Pump")) << "the call is still inside";
+    const std::weak_ptr<TestServiceImpl> remaining = service;
+    service->Release();
+    service.reset();
+    EXPECT_TRUE(call.get());
+    EXPECT_TRUE(remaining.expired());
+    EXPECT_TRUE(ServiceManager::UnpublishComponentServices("Pump"));
+}
+
+TEST_F(EndpointUnderAttack, LetsACallEndWhileItIsTakenDown)
+{
+    std::promise<void> begun;
+    TestServiceImpl service("Tester", [&begun] { begun.set_value(); });
+    RscServiceFactory<ITestService> factory(service);
+    RscManagerOptions options;
+    options.closeTimeout = 50ms;
+    const std::size_t threads = CountThreads();
+    Open(false, options);
+    ServiceManager::PublishService({}, factory.GetInterfaceName(), factory);
+    RawClient client = Connect();
+    ASSERT_TRUE(client.Introduce());
+    client.SendFrame(RawClient::call, 7, MakeCall(client, 9, MakePayload(60'000)));
+    begun.get_future().get();
+
+    auto closing = std::async(std::launch::async, [] { return RscManager::DisposeInstance(); });
+    // By then it has given the call up, but may not be gone itself.
+    Await([] { return AppDomainSingleton<RscManager>::TryGetInstance() == nullptr; });
+    service.Release();
+    EXPECT_FALSE(closing.get());
+    Await([threads] { return CountThreads() == threads; });
+}
+
 TEST_F(EndpointUnderAttack, WithdrawsAServiceWhenItsCallsHaveEnded)
 {
     std::promise<void> begun;

@@ -76,7 +76,18 @@ std::optional<Connection> Connector::Connect(const EndpointAddress& address, Clo
         Secret::Open(*directory).AuthenticateServer(channel, options.callTimeout);
     }
     WriteRemote(channel.BeginFrame(maxControlPayload), HelloMessage{processName});
-    channel.Send(FrameKind::Hello, connection.lastRequest);
+    try
+    {
+        channel.Send(FrameKind::Hello, connection.lastRequest);
+    }
+    catch (const TransportException& exception)
+    {
+        // Who refuses us does so without listening: the reason is there to be read although nothing can be sent.
+        if (exception.GetFailure() != TransportFailure::Closed)
+        {
+            throw;
+        }
+    }
     WaitForAnswer(channel, deadline, wakeDescriptors);
     const Frame frame =
         ReceiveOwed(channel, FrameKind::Welcome, connection.lastRequest, maxControlPayload, options.callTimeout);

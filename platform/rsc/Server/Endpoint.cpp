@@ -216,6 +216,11 @@ bool Endpoint::WaitForConnections(Clock::time_point deadline)
 
 std::size_t Endpoint::CutConnections() noexcept
 {
+    if (workers.empty())
+    {
+        // Threads that were left behind earlier still report their end, to nobody.
+        return 0;
+    }
     for (const auto& [id, worker] : workers)
     {
         worker.connection->Abort();

@@ -28,7 +28,7 @@ public:
     Endpoint(std::shared_ptr<const ServerData> data, Commons::UniqueFd unixSocket, Commons::UniqueFd tcpSocket);
     Endpoint(const Endpoint&) = delete;
     Endpoint& operator=(const Endpoint&) = delete;
-    /// StopAccepting and CloseConnections with no time left.
+    /// StopAccepting and CutConnections.
     ~Endpoint();
 
     /// Takes no more clients; idle connections end, the others after their present answer.

@@ -37,7 +37,8 @@ public:
     /// Withdraws a service: new calls fail, calls in progress may end within the close time-out, then its stub and
     /// implementation are destroyed. Not from inside a call of that service.
     /// @return false when a call is still in progress: the service's code and what it uses must stay where they are,
-    ///         and the implementation is destroyed when that call ends. True for a service that is not published.
+    ///         and the implementation is destroyed when that call ends. True for a service that is not published. After
+    ///         the remoting manager: whether the service's calls that outlived it have ended.
     static bool UnpublishService(const String& providerName, const String& interfaceName);
     /// The same for all services of a component, with one time limit.
     static bool UnpublishComponentServices(const String& componentName);
