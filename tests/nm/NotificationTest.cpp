@@ -180,6 +180,12 @@ TEST_F(NotificationsOfAProcess, LetACallbackSendSubscribeAndUnsubscribe)
     Send(3);
     Send(4, "B");
     EXPECT_EQ(inbox.Await(3), (Items{1, 2, 4}));
+
+    // The refused end has left everything for the next attempt.
+    const Registration kept("C", "Test", Severity::Information);
+    EXPECT_TRUE(kept.Send(NumberPayload(5)));
+    NotificationManagerSetup::Dispose();
+    EXPECT_FALSE(kept.Send(NumberPayload(6)));
 }
 
 TEST_F(NotificationsOfAProcess, LeaveNothingOfACallbackBehindOnceItIsUnsubscribed)

@@ -145,6 +145,8 @@ void NotificationCore::StartDispatching()
 
 void NotificationCore::Close()
 {
+    // First, because it may refuse; a second time it does nothing.
+    dispatcher.Stop();
     bool wasPublished = false;
     {
         const std::lock_guard lock(mutex);
@@ -155,7 +157,6 @@ void NotificationCore::Close()
         isClosed = true;
         wasPublished = isPublished;
     }
-    dispatcher.Stop();
     forwarder.Stop();
     if (broker != nullptr)
     {

@@ -51,6 +51,7 @@ public:
     void PublishBroker();
     void StartDispatching();
     /// Ends sending and receiving. A second call does nothing.
+    /// @throws InvalidOperationException when called from a callback; nothing has ended then
     void Close();
 
 private:
