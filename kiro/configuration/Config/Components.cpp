@@ -111,17 +111,37 @@ void Components::ResolveMultiProcessItems(const Processes& processes, bool singl
     const String referenceName = Singleton<AppDomain>::GetInstance().GetApplicationName();
     for (const auto& [genericName, generic] : multiProcessItems)
     {
+        bool hasProcess = false;
         for (const auto& [processName, process] : processes.GetItems())
         {
-            if (processName.empty() || processName == referenceName)
+            const bool isReference = processName.empty() || processName == referenceName;
+            if (isReference || !singleProcess)
             {
-                AddCopy(generic, genericName, processName);
-            }
-            else if (!singleProcess)
-            {
-                AddCopy(generic, fmt::format("{}{}{}", genericName, processSeparator, processName), processName);
+                hasProcess = true;
+                AddCopy(generic,
+                        isReference ? genericName : fmt::format("{}{}{}", genericName, processSeparator, processName),
+                        processName);
             }
         }
+        WarnOfIneffectiveDeclaration(generic, hasProcess);
+    }
+}
+
+/// Nothing that a declaration says may be lost in silence.
+void Components::WarnOfIneffectiveDeclaration(const Component& generic, bool hasProcess) const
+{
+    const Component defaults;
+    if (generic.isRequired != defaults.isRequired || generic.isEnabled != defaults.isEnabled ||
+        generic.isFinal != defaults.isFinal || generic.hasStartOrder || !generic.settings.path.empty())
+    {
+        log.Warning("Generic component '{}': only name, type and library are copied into the processes, its other "
+                    "attributes and its settings have no effect. ({})",
+                    generic.name, generic.position.ToString());
+    }
+    if (!hasProcess)
+    {
+        log.Warning("Generic component '{}' is not created: there is no configured process to copy it into. ({})",
+                    generic.name, generic.position.ToString());
     }
 }
 

@@ -51,6 +51,7 @@ public:
 private:
     bool AddToExisting(Map& map, const Component& component) const;
     void AddCopy(const Component& generic, const String& name, const String& process);
+    void WarnOfIneffectiveDeclaration(const Component& generic, bool hasProcess) const;
 
     Map items;
     Map multiProcessItems;

@@ -30,6 +30,9 @@ namespace
 
 constexpr const char* gatewayPortVariableName = "VelaGatewayPort";
 
+/// The core of a process that is not bound.
+constexpr std::int32_t allProcessors = -1;
+
 } // namespace
 
 void ApplicationBase::Setup(LogLevel logLevel, const char* settingsPath)
@@ -89,6 +92,11 @@ void ApplicationBase::ProcessCommandline()
     const CommandLine& options = data->commandLine;
     if (const auto name = options.Find<String>(applicationOptionName))
     {
+        // An empty name stands for an application that has been disposed.
+        if (name->empty())
+        {
+            throw ArgumentException("The application name must not be empty.");
+        }
         data->SetName(*name);
     }
     Singleton<AppDomain>::GetInstance().SetApplicationName(GetName());
@@ -127,7 +135,7 @@ void ApplicationBase::ApplyCommandlineSettings()
         data->settings.GetProcessSettings().SetSingleProcess(data->singleProcess);
     }
     // Before the first thread starts, since threads inherit the processor.
-    if (data->core > 0 || (data->core == 0 && data->isCoreFromSettings))
+    if (data->core != allProcessors && (data->core != defaultCore || data->isCoreFromSettings))
     {
         data->processors.Bind(data->core);
     }

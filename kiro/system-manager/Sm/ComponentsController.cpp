@@ -53,6 +53,11 @@ void ComponentsController::SetupConfig(const Config::KiroConfiguration& configur
         {
             throw Invalid(configured, fmt::format("Process '{0}' is unknown.", configured.process));
         }
+        if (process->second->isExternal)
+        {
+            // No warning: a generic component has a copy here that nobody asked for.
+            log.Info("Component '{0}' is not created: its process '{1}' is external.", name, process->first);
+        }
 
         auto component = std::make_shared<ComponentData>();
         component->name = name;

@@ -1,6 +1,7 @@
 #include <Sm/SystemManager.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Io/Directory.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
 
 #include <boost/filesystem.hpp>
 
@@ -29,12 +30,13 @@ void SystemManager::CreateProjectSymlink()
             return;
         }
     }
+    // Without a "/" at the end, which would name what the link leads to.
+    const fs::path link(Commons::Io::Path::GetFullPath(current));
     // Anything that stands in the link's place belongs to somebody, a broken link included.
-    if (Commons::Io::Directory::Exists(current) || fs::symlink_status(current).type() != fs::file_not_found)
+    if (Commons::Io::Directory::Exists(link.string()) || fs::symlink_status(link).type() != fs::file_not_found)
     {
         return;
     }
-    const fs::path link(current);
     fs::create_directory_symlink(fs::relative(engineering, link.parent_path()), link);
 }
 

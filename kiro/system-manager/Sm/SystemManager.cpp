@@ -12,8 +12,6 @@
 #include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
 
-#include <optional>
-
 namespace Vela::System::Kiro::Internal::Sm
 {
 
@@ -130,8 +128,8 @@ bool SystemManager::Dispose()
     // Held to the end: from now on nobody may ask for another walk over the components.
     gate.lock();
 
-    std::optional<CaughtException> firstFailure;
-    const auto guard = [&firstFailure](auto&& step)
+    bool isOrderly = true;
+    const auto guard = [&isOrderly](auto&& step)
     {
         try
         {
@@ -139,10 +137,10 @@ bool SystemManager::Dispose()
         }
         catch (...)
         {
-            if (!firstFailure)
-            {
-                firstFailure = CaughtException::Current();
-            }
+            isOrderly = false;
+            log.Error("{0}", CaughtException::Current().Describe(
+                                 "Exception occurs while shutting down the system: {0}",
+                                 "Unspecified exception occurs while shutting down the system"));
         }
     };
     guard([this] { componentsController.StopComponents(); });
@@ -154,13 +152,7 @@ bool SystemManager::Dispose()
     guard([this] { UnpublishServices(); });
     guard([] { AppDomainSingleton<Rsc::RscManager>::GetInstance().CloseAllClients(false); });
     processes.clear();
-
-    if (firstFailure)
-    {
-        log.Error("{0}", firstFailure->Describe("Exception occurs while shutting down the system: {0}",
-                                                "Unspecified exception occurs while shutting down the system"));
-    }
-    return !firstFailure;
+    return isOrderly;
 }
 
 void SystemManager::PowerDown()

@@ -78,11 +78,23 @@ TEST_F(ComponentsTest, CopiesGenericComponentsIntoEveryProcess)
     generic.startOrder = 7;
     generic.hasStartOrder = true;
     generic.settings.path = "/s";
+    const CapturedLog log;
     configuration.components.AddItem(generic);
     EXPECT_EQ(configuration.components.GetItems().size(), 0U);
     EXPECT_EQ(ResolveGeneric(false), "G:T in A; G@B:T in B; ");
     Component expected = MakeComponent("G@B", "T", "B");
     EXPECT_TRUE(configuration.components.GetItems().at("G@B").Equals(expected));
+    EXPECT_TRUE(log.Contains("Generic component 'G': only name, type and library are copied into the processes"));
+}
+
+TEST_F(ComponentsTest, SayWhichGenericComponentHasNoProcess)
+{
+    AppDomain::CreateInstance().SetApplicationName("Main");
+    const CapturedLog log;
+    configuration.components.AddItem(MakeComponent("G", "T", "*"));
+    EXPECT_EQ(ResolveGeneric(true), "");
+    EXPECT_TRUE(log.Contains("Generic component 'G' is not created"));
+    EXPECT_FALSE(log.Contains("only name, type and library"));
 }
 
 TEST_F(ComponentsTest, CopiesGenericComponentsOnceInASingleProcess)

@@ -97,6 +97,17 @@ TEST_F(ApplicationTest, AnyExceptionInSetUpIsFatalAndEndsWithOne)
     }
 }
 
+TEST_F(ApplicationTest, RefusesAnEmptyNameAndDisposesAllTheSame)
+{
+    PlainHost host(true);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(host.Start({WriteSettings(), "--name", ""}), 1);
+    const std::string text = testing::internal::GetCapturedStdout();
+    EXPECT_NE(text.find("The application name must not be empty."), std::string::npos) << text;
+    EXPECT_TRUE(host.Dispose());
+    EXPECT_TRUE(Singleton<AppDomain>::GetInstance().GetSingletonsTypeName().empty());
+}
+
 TEST_F(ApplicationTest, WithoutLogFatalErrorsGoToStandardOutput)
 {
     PlainHost host(false);

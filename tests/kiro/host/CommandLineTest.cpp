@@ -163,6 +163,18 @@ TEST_F(CommandLineTest, OverridesTheProcessSettings)
     }
 }
 
+TEST_F(CommandLineTest, WarnsOfAnUnknownProcessorWhereMinusOneMeansAll)
+{
+    for (const auto& [argument, isUnknown] : {std::pair("--core=-1", false), std::pair("--core=-2", true)})
+    {
+        PlainHost host(true);
+        ASSERT_EQ(host.Start({WriteSettings(), argument, std::string("--name=Core") + argument}), 0);
+        EXPECT_TRUE(host.Dispose());
+        const std::string text = ReadLog(std::string("Core") + argument);
+        EXPECT_EQ(text.find("Cannot bind the process to processor -2") != std::string::npos, isUnknown) << text;
+    }
+}
+
 TEST_F(CommandLineTest, LogLevelBeatsTheSettingsWhichBeatTheCaller)
 {
     using Commons::Diagnostics::LogLevel;

@@ -174,6 +174,7 @@ TEST_F(ComponentsControllerTest, LeavesOutWhatDoesNotTakePartInAPhase)
     FakeProcess& main = AddProcess("Main");
     AddProcess("Unconnected");
     processes["Unconnected"]->processManagerService.reset();
+    processes["Unconnected"]->isExternal = true;
     main.properties = {{"none", {1, ComponentCategory::None, false, true}},
                        {"plain", {2, ComponentCategory::Service, false, false}},
                        {"disabled", {3, ComponentCategory::Custom, false, true}}};
@@ -182,6 +183,7 @@ TEST_F(ComponentsControllerTest, LeavesOutWhatDoesNotTakePartInAPhase)
     Configure({MakeComponent("none", "Main"), MakeComponent("plain", "Main"), disabled,
                MakeComponent("remote", "Unconnected")});
     EXPECT_THAT(GetNames(), ElementsAre("plain", "disabled"));
+    EXPECT_TRUE(log.Has("Info: Component 'remote' is not created: its process 'Unconnected' is external."));
     EXPECT_TRUE(log.Has("Warning: Component 'none' in process 'Main' ignored for execution: Component category is "
                         "'None'."));
 

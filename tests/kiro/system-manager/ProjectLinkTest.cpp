@@ -62,6 +62,16 @@ TEST_F(ProjectLinkTest, IsMadeRelativeWhereNothingIs)
     EXPECT_EQ(fs::read_symlink(directory / "projects/current"), "engineering");
 }
 
+TEST_F(ProjectLinkTest, IsMadeWhereThePathEndsWithASlash)
+{
+    SetVariables();
+    Environment::SetVariable(currentVariable, directory / "projects/current/");
+    SystemManager::CreateProjectSymlink();
+    EXPECT_EQ(fs::read_symlink(directory / "projects/current"), "engineering");
+    // The link, now broken, is left alone.
+    EXPECT_NO_THROW(SystemManager::CreateProjectSymlink());
+}
+
 TEST_F(ProjectLinkTest, NeverReplacesWhatIsThere)
 {
     SetVariables();

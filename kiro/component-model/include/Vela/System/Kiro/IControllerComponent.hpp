@@ -14,7 +14,8 @@ public:
 
     /// Begins the component's work, usually on a thread of its own. Called when all components are configured.
     virtual void Start() = 0;
-    /// Ends the work; afterwards Start may be called again. Also called when Start failed.
+    /// Ends the work; afterwards Start may be called again. Also called when Start of a required component failed; an
+    /// optional one whose Start failed is disposed and destroyed at once, without Stop.
     virtual void Stop() = 0;
 };
 
