@@ -60,6 +60,20 @@ TEST_F(Lookup, SaysWhatItCouldNotFind)
 
     StartPeer("Empty", {"unpublished"});
     EXPECT_EQ(TryGetService(ServiceProvider::Process("Empty"), 0ms), nullptr);
+    const auto getReason = [](const String& processName)
+    {
+        try
+        {
+            GetService(processName);
+            return String("found");
+        }
+        catch (const InvalidOperationException& exception)
+        {
+            return exception.GetInnerText();
+        }
+    };
+    EXPECT_EQ(getReason("Empty"), "the process does not publish it");
+    EXPECT_EQ(getReason("Nobody"), "it is not there");
 }
 
 TEST_F(Lookup, FindsServicesOfTheOwnProcess)

@@ -39,7 +39,8 @@ CurrentCore& GetCurrentCore()
 
 std::shared_ptr<INotificationService> FindBroker()
 {
-    static const NotificationServiceProxyFactory factory(Rsc::ServiceProvider::MainProcess());
+    // Never destroyed: a process that ends without disposing hands its last notifications over after that.
+    static const auto& factory = *new NotificationServiceProxyFactory(Rsc::ServiceProvider::MainProcess());
     auto service = Rsc::ServiceManager::TryGetService(factory, factory.GetDefaultProvider(), connectTimeout);
     if (service == nullptr)
     {

@@ -120,7 +120,8 @@ std::optional<RscServiceBinding> ServiceFinder::Bind(const ServiceProvider& prov
         catch (const TransportException& exception)
         {
             why = exception.GetMessage();
-            // The process is about to end, to begin or overloaded: no new file will tell when it is worth another try.
+            // The process is about to end, to begin or to publish, or overloaded: no new file will tell when it is
+            // worth another try.
             mustPause = true;
         }
         const auto nextTry = mustPause ? std::min(deadline, Clock::now() + retryPause) : deadline;
@@ -148,7 +149,7 @@ std::optional<RscServiceBinding> ServiceFinder::TryBind(const EndpointAddress& a
     const auto numbers = connector->Open(*connection, key, interfaceName, deadline, wakeDescriptors);
     if (!numbers)
     {
-        return std::nullopt;
+        throw TransportException(TransportFailure::Refused, "the process does not publish it");
     }
     return RscServiceBinding{GetClient(address, *std::move(connection)), numbers->number, numbers->generation};
 }
