@@ -118,6 +118,8 @@ TEST_F(Loader, LeavesNothingLoadedBehindARefusedLibrary)
 
 TEST_F(Loader, NeedsAnApplicationDomain)
 {
+    // The domain does not own what is registered in it.
+    Environment::Dispose();
     Singleton<AppDomain>::DisposeInstance();
     const String path = CopyLibrary("Recording", "libThree.so");
     EXPECT_EQ(GetMessageOf<Exception>([&] { std::ignore = SharedLibraryLoader::Load(path, false, {}); }),
