@@ -237,9 +237,10 @@ bool RscRuntime::Close() noexcept
         finder.CloseClients(true);
         return true;
     }
-    // The names go first, so that nobody connects to an endpoint that is about to end.
-    CloseEndpointNames();
+    // From here on nothing is published, so no name appears behind those that go. They go before the endpoint, so that
+    // nobody connects to one that is about to end.
     registry->Close();
+    CloseEndpointNames();
     endpoint->StopAccepting();
     const auto deadline = Clock::now() + options.closeTimeout;
     if (endpoint->WaitForConnections(deadline))

@@ -394,13 +394,13 @@ TEST_F(EndpointUnderAttack, TakesOverWhatAKilledSystemLeft)
 {
     Peer& killed = StartPeer("Main", {"main", "component=Pump", fmt::format("port={}", FindFreePort())});
     Peer& child = StartPeer("Child", {"component=Valve"});
-    StartPeer("Living", {"component=Tank"});
+    StartPeer("new-comer", {"component=Tank"});
     killed.Kill();
     child.Kill();
     EXPECT_EQ(ListFiles().size(), 9U);
     Open(true);
-    EXPECT_EQ(ListFiles(), (std::vector<std::string>{"Living.socket", "Tank.component", "Tester.socket", "main-process",
-                                                     "system-lock"}));
+    EXPECT_EQ(ListFiles(), (std::vector<std::string>{"Tank.component", "Tester.socket", "main-process",
+                                                     "new-comer.socket", "system-lock"}));
 }
 
 TEST_F(EndpointUnderAttack, RefusesADirectoryThatOthersCanWriteInto)

@@ -216,7 +216,9 @@ void RuntimeDirectory::RemoveLeftovers() const
     const std::vector<String> names = List();
     for (const String& name : names)
     {
-        if (name.starts_with("new-") || name == secretFileName || (IsSocketFileName(name) && !IsLive(name)))
+        const bool isNamed = IsSocketFileName(name) || IsComponentFileName(name);
+        if ((!isNamed && name.starts_with("new-")) || name == secretFileName ||
+            (IsSocketFileName(name) && !IsLive(name)))
         {
             Remove(name);
         }

@@ -23,9 +23,10 @@ public:
     /// without broker, and when it dispatches already.
     static void StartDispatching();
 
-    /// Ends the notifications of this process: hands on what it has sent, waits, within bounds, for a callback in
-    /// progress and for calls of other processes. Nothing happens when there is no notification manager. Not from
-    /// inside a subscription's callback.
+    /// Ends the notifications of this process: waits for a callback in progress, hands on what was sent, as long as
+    /// the broker takes it, and waits, within bounds, for calls of other processes. Nothing happens when there is no
+    /// notification manager.
+    /// @throws InvalidOperationException from inside a subscription's callback; nothing has ended then
     static void Dispose();
 };
 
