@@ -23,12 +23,6 @@ String GetLinuxFileName(const String& fileName)
     return std::regex_replace(fileName, expression, "lib$2.so");
 }
 
-/// The loader searches its own directories for a name without "/".
-String GetLoaderPath(const String& path)
-{
-    return path.find('/') == String::npos ? "./" + path : path;
-}
-
 ILibrary* CallEntry(const SharedLibrary& sharedLibrary, const String& probedPath)
 {
     if (void* address = sharedLibrary.GetFunctionAddress(SharedLibraryLoader::dlMainEntryName))
@@ -86,7 +80,7 @@ LoadedLibrary SharedLibraryLoader::Load(const String& libraryPath, bool shadowCo
         loaded.path = loaded.shadowCopy->GetDestinationLibraryPath();
     }
     loaded.sharedLibrary = std::make_unique<SharedLibrary>();
-    loaded.sharedLibrary->Load(GetLoaderPath(loaded.path));
+    loaded.sharedLibrary->Load(loaded.path);
     loaded.library = CallEntry(*loaded.sharedLibrary, probedPath);
     return loaded;
 }

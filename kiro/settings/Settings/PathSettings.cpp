@@ -18,14 +18,9 @@ PathSettings::PathSettings(const char* defaultFilename, WithoutPath elementWitho
 
 void PathSettings::ReadXml(XmlReader& reader, XmlSerializationContext& context)
 {
-    if (context.TryGetPath(reader, pathXmlName, path))
-    {
-        isDefault = false;
-    }
-    else if (withoutPath == WithoutPath::ResetsToDefault)
+    if (!context.TryGetPath(reader, pathXmlName, path) && withoutPath == WithoutPath::ResetsToDefault)
     {
         path = XmlPath(defaultPath);
-        isDefault = true;
     }
 }
 
@@ -42,11 +37,6 @@ const String& PathSettings::GetPath() const noexcept
 bool PathSettings::HasPath() const noexcept
 {
     return !path.IsEmpty();
-}
-
-bool PathSettings::IsDefault() const noexcept
-{
-    return isDefault;
 }
 
 } // namespace Vela::System::Kiro::Internal::Settings

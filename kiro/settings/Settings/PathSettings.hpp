@@ -20,8 +20,6 @@ public:
 
     [[nodiscard]] const String& GetPath() const noexcept;
     [[nodiscard]] bool HasPath() const noexcept;
-    /// True when no document names a file, so that the path is the default.
-    [[nodiscard]] bool IsDefault() const noexcept;
 
 protected:
     /// What an element without a path does to the path of an earlier one.
@@ -37,7 +35,6 @@ private:
     const char* defaultPath;
     WithoutPath withoutPath;
     Commons::Xml::XmlPath path;
-    bool isDefault = true;
 };
 
 /// The remoting library's settings file.

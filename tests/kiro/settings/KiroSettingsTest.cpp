@@ -59,7 +59,6 @@ TEST_F(KiroSettingsTest, AreAllDefaultsInAnEmptyDocument)
     EXPECT_EQ(settings.GetProcessSettings().GetSlowStepTime().count(), 10000);
     EXPECT_EQ(settings.GetProcessSettings().GetDefaultProcessAffinityMask(), -1);
     EXPECT_EQ(settings.GetRscSettings().GetPath(), "Rsc.settings");
-    EXPECT_TRUE(settings.GetRscSettings().IsDefault());
     EXPECT_FALSE(settings.GetNmSettings().HasPath());
     EXPECT_FALSE(settings.GetSecuritySettings().HasPath());
     EXPECT_EQ(settings.GetLogSettings().GetLogLevel(), LogLevel::None);
@@ -79,7 +78,6 @@ TEST_F(KiroSettingsTest, ReadEverySectionAndResolvePathsWithTheVariablesOfTheSam
     EXPECT_EQ(settings.GetLogSettings().GetLogDir(), "/var/log/x");
     EXPECT_EQ(settings.GetLogSettings().GetConfigFile(), directory / "log.xml");
     EXPECT_EQ(settings.GetRscSettings().GetPath(), directory / "etc/Rsc.settings");
-    EXPECT_FALSE(settings.GetRscSettings().IsDefault());
     EXPECT_EQ(settings.GetNmSettings().GetPath(), (directory.GetPath().parent_path() / "nm").string());
     EXPECT_EQ(settings.GetSecuritySettings().GetPath(), "/sec");
     const ProcessSettings& process = settings.GetProcessSettings();
@@ -127,7 +125,6 @@ TEST_F(KiroSettingsTest, CollectOverAllFilesWhereOnlySomePathsFallBackToTheirDef
     EXPECT_EQ(settings.GetLogSettings().GetLogDir(), directory / "logs");
     EXPECT_EQ(settings.GetLogSettings().GetConfigFile(), directory / "sub/log.xml");
     EXPECT_EQ(settings.GetRscSettings().GetPath(), "Rsc.settings");
-    EXPECT_TRUE(settings.GetRscSettings().IsDefault());
     EXPECT_FALSE(settings.GetNmSettings().HasPath());
     EXPECT_EQ(settings.GetSecuritySettings().GetPath(), directory / "s");
     EXPECT_FALSE(settings.GetProcessSettings().IsSingleProcess());
