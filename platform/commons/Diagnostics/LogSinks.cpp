@@ -11,6 +11,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdio>
 #include <string_view>
 #include <utility>
@@ -46,6 +47,17 @@ void WriteAll(int descriptor, std::string_view text)
     }
 }
 
+/// Room for a part of a line is no room for all of it, and the write would wait for the rest however long that takes.
+/// A description of our own does not, and leaves that which others share as it is. Invalid when none is needed.
+UniqueFd OpenForLongLine(std::size_t size)
+{
+    struct stat status
+    {
+    };
+    const bool mayWait = size > PIPE_BUF && ::fstat(STDOUT_FILENO, &status) == 0 && S_ISFIFO(status.st_mode);
+    return UniqueFd(mayWait ? ::open("/proc/self/fd/1", O_WRONLY | O_NONBLOCK | O_CLOEXEC) : -1);
+}
+
 int GetSyslogPriority(LogLevel level)
 {
     switch (level)
@@ -75,7 +87,9 @@ void StandardOutputSink::WriteRecord(const LogRecord& record, const String& proc
     {
         throw Exception("Nobody reads the standard output");
     }
-    WriteAll(STDOUT_FILENO, FormatLine(record, processName));
+    const String line = FormatLine(record, processName);
+    const UniqueFd own = OpenForLongLine(line.size());
+    WriteAll(own.IsValid() ? own.Get() : STDOUT_FILENO, line);
 }
 
 FileSink::FileSink(LogLevel maximumLevel, String filePath, const LogRotation& fileRotation)

@@ -210,6 +210,8 @@ int LogIntoClosedPipe(const Arguments&)
         return 1;
     }
     LogManager::CreateInstance(LogLevel::Info);
+    // More than the pipe holds.
+    Logger::Get("Pipe").Info("{0}", std::string(100'000, 'x'));
     std::vector<char> filler(1024, 'x');
     ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
     while (::write(ends[1], filler.data(), filler.size()) > 0)
