@@ -289,10 +289,16 @@ void ProcessesController::StopProcesses()
         if (IsMainProcess(*process))
         {
             RequestShutdownOf(*process);
+            continue;
         }
-        else
+        try
         {
             requests.emplace_back("Shutdown", [this, target = process] { RequestShutdownOf(*target); });
+        }
+        catch (...)
+        {
+            // Without a thread for the request the process is killed when the time is over.
+            LogShutdownFailure(name);
         }
     }
     AwaitExits(watch);
@@ -321,8 +327,13 @@ void ProcessesController::RequestShutdownOf(const ProcessData& process) noexcept
     }
     catch (...)
     {
-        log.Error("Process '{0}' could not be asked to end: {1}", process.name, CaughtException::Current().GetText());
+        LogShutdownFailure(process.name);
     }
+}
+
+void ProcessesController::LogShutdownFailure(const String& processName) const noexcept
+{
+    log.Error("Process '{0}' could not be asked to end: {1}", processName, CaughtException::Current().GetText());
 }
 
 void ProcessesController::AwaitExits(const TimeoutWatch& watch) const

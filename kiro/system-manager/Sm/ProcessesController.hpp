@@ -81,6 +81,7 @@ private:
     /// The descriptors that tell of the end of the children that still live.
     [[nodiscard]] std::vector<int> GetExitDescriptors() const;
     void RequestShutdownOf(const Data::ProcessData& process) noexcept;
+    void LogShutdownFailure(const String& processName) const noexcept;
     void AwaitExits(const Commons::Chrono::TimeoutWatch& watch) const;
 
     ISystemManagerHost& host;
