@@ -155,6 +155,22 @@ TEST_F(NotificationClient, CountsWhatCannotBeHandedOver)
     EXPECT_FALSE(forwarder.Post(Make(6)));
 }
 
+TEST_F(NotificationClient, TellsOfALossWithoutWaitingForTheNextNotification)
+{
+    NotificationForwarder forwarder(GetConnector(), {});
+    SubscriptionDispatcher dispatcher(
+        "P", [this] { return broker; }, std::chrono::seconds(60));
+    (void)dispatcher.Add(NamePattern("A"), inbox.Receive(), inbox.Miss());
+
+    const auto first = Connect(broker);
+    EXPECT_TRUE(forwarder.Post(Make(1)));
+    ASSERT_TRUE(first->isPublishing.Await());
+    Connect(broker)->mayPublish.Open();
+    first->isCut = true;
+    first->mayPublish.Open();
+    EXPECT_EQ(inbox.Await(1), Items{-1});
+}
+
 TEST_F(NotificationClient, HandsOverWhatIsQueuedBeforeItStops)
 {
     const std::uint32_t session = broker->OpenSession("P");

@@ -13,8 +13,6 @@ namespace
 {
 
 constexpr std::uint32_t maxWaitMilliseconds = 60'000;
-/// Names whose losses are told apart; beyond, which only a faulty sender reaches, they are forgotten.
-constexpr std::size_t maxLossNames = 4096;
 
 } // namespace
 

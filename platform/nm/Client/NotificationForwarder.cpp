@@ -30,7 +30,7 @@ bool NotificationForwarder::Post(const NotificationPointer& notification)
         thread = Commons::Threading::Thread("NmForwarder", [this] { Run(); });
     }
     queue.Push(notification, notification->GetSize(),
-               [this](const NotificationPointer& dropped) { ++losses[dropped->name]; });
+               [this](const NotificationPointer& dropped) { AddLosses(dropped->name, 1); });
     changed.notify_all();
     return true;
 }
@@ -54,24 +54,45 @@ void NotificationForwarder::Run()
     {
         {
             std::unique_lock lock(mutex);
-            changed.wait(lock, [this] { return isStopping || !queue.IsEmpty(); });
-            if (queue.IsEmpty())
+            changed.wait(lock, [this] { return isStopping || HasWork(); });
+            if (!HasWork())
             {
                 return;
             }
         }
-        if (TryConnect())
+        const bool isConnected = TryConnect();
+        if (isConnected && Publish(TakeBatch()))
         {
-            Publish(TakeBatch());
             continue;
         }
+        // What has not been tried yet is worth another connection at once.
         std::unique_lock lock(mutex);
-        if (isStopping)
+        const auto hasFreshWork = [&]
         {
-            log.Warning("{0} notifications were not sent: the broker cannot be reached.", queue.GetCount());
+            return isConnected && !queue.IsEmpty();
+        };
+        if (isStopping && !hasFreshWork())
+        {
+            if (!queue.IsEmpty())
+            {
+                log.Warning("{0} notifications were not sent: the broker cannot be reached.", queue.GetCount());
+            }
             return;
         }
-        changed.wait_for(lock, reconnectPause, [this] { return isStopping; });
+        changed.wait_for(lock, reconnectPause, [&] { return isStopping || hasFreshWork(); });
+    }
+}
+
+bool NotificationForwarder::HasWork() const noexcept
+{
+    return !queue.IsEmpty() || !losses.empty();
+}
+
+void NotificationForwarder::AddLosses(const String& name, std::uint64_t count)
+{
+    if (losses.size() < maxLossNames || losses.contains(name))
+    {
+        losses[name] += count;
     }
 }
 
@@ -107,18 +128,20 @@ NotificationBatch NotificationForwarder::TakeBatch()
     return batch;
 }
 
-void NotificationForwarder::Publish(const NotificationBatch& batch)
+bool NotificationForwarder::Publish(const NotificationBatch& batch)
 {
     try
     {
         service->Publish(batch);
         isProblemReported = false;
+        return true;
     }
     catch (...)
     {
         Report(CaughtException::Current().GetText());
         service.reset();
         PutBackLosses(batch);
+        return false;
     }
 }
 
@@ -128,11 +151,11 @@ void NotificationForwarder::PutBackLosses(const NotificationBatch& batch)
     const std::lock_guard lock(mutex);
     for (const NotificationLoss& loss : batch.losses)
     {
-        losses[loss.name] += loss.count;
+        AddLosses(loss.name, loss.count);
     }
     for (const NotificationPointer& notification : batch.notifications)
     {
-        ++losses[notification->name];
+        AddLosses(notification->name, 1);
     }
 }
 

@@ -36,9 +36,12 @@ public:
 
 private:
     void Run();
+    [[nodiscard]] bool HasWork() const noexcept;
+    void AddLosses(const String& name, std::uint64_t count);
     bool TryConnect();
     [[nodiscard]] NotificationBatch TakeBatch();
-    void Publish(const NotificationBatch& batch);
+    /// False when the batch is lost.
+    bool Publish(const NotificationBatch& batch);
     void PutBackLosses(const NotificationBatch& batch);
     void Report(const String& problem);
 

@@ -14,6 +14,10 @@ inline constexpr std::size_t maxNotificationSize = std::size_t{64} * 1024;
 inline constexpr std::size_t maxBatchCount = 256;
 inline constexpr std::size_t maxBatchSize = std::size_t{256} * 1024;
 
+/// Names whose losses are told apart; beyond, which only a faulty sender reaches, they are forgotten. So many fit into
+/// one call, beside the notifications.
+inline constexpr std::size_t maxLossNames = 1024;
+
 /// Limits that the settings of the notifications can change.
 struct NotificationLimits
 {
