@@ -163,9 +163,9 @@ void ProcessManager::UnloadSharedLibraries()
         const std::lock_guard lock(mutex);
         libraries.swap(sharedLibraries);
     }
-    for (auto& [name, library] : libraries)
+    for (auto& entry : libraries)
     {
-        Guard("unloading library", name, [&] { std::ignore = Unload(name, library); });
+        Guard("unloading library", entry.first, [&] { std::ignore = Unload(entry.first, entry.second); });
     }
 }
 

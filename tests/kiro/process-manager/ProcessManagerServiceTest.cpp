@@ -60,14 +60,14 @@ protected:
 
     /// Calls an operation by its number, as a request from elsewhere does, and answers the response.
     template <typename... Args>
-    std::vector<std::uint8_t> Call(IRscServiceStub& stub, int operationNumber, const Args&... args)
+    std::vector<std::uint8_t> Call(IRscServiceStub& target, int operationNumber, const Args&... args)
     {
         RemotingWriter request(4096);
         (WriteRemote(request, args), ...);
         RemotingReader reader(request.GetData());
         RemotingWriter response(4096);
         RscServerContext context(reader, response);
-        stub.Invoke(operationNumber, context);
+        target.Invoke(operationNumber, context);
         std::vector<std::uint8_t> bytes;
         for (const std::byte value : response.GetData())
         {

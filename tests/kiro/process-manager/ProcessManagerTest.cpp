@@ -128,8 +128,9 @@ TEST_F(ProcessManagerTest, RefusesTakenNamesAndSecondSingletons)
 TEST_F(ProcessManagerTest, TakesEachStepOfAComponentAndLogsItAfterwards)
 {
     processManager.CreateComponent("Controller", "C", "");
-    for (const auto& [byName, step, message] : operations)
+    for (const Operation& operation : operations)
     {
+        const auto [byName, step, message] = operation;
         record = {};
         record.failing = {step};
         EXPECT_THROW((processManager.*byName)("C"), StepFailure) << step;
@@ -139,7 +140,7 @@ TEST_F(ProcessManagerTest, TakesEachStepOfAComponentAndLogsItAfterwards)
         (processManager.*byName)("C");
         EXPECT_EQ(record.steps, std::vector<String>{step});
         EXPECT_TRUE(log.Contains(message)) << log.GetText();
-        EXPECT_EQ(GetMessageOf<InvalidOperationException>([&] { (processManager.*byName)("X"); }),
+        EXPECT_EQ(GetMessageOf<InvalidOperationException>([&] { (processManager.*operation.byName)("X"); }),
                   "Component 'X' does not exist");
     }
     record = {};

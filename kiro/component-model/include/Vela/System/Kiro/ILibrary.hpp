@@ -27,6 +27,12 @@ using LibraryMain = ILibrary& (*)(AppDomain& appDomain);
 
 } // namespace Vela::System::Kiro
 
+#ifdef __clang__
+#pragma clang diagnostic push
+// The function has a plain name, but its callers are C++.
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
+
 /// The entry function that every shared component library defines and exports. The host calls it once after loading,
 /// with its own application domain; it answers the library's one object:
 /// @code
@@ -38,3 +44,7 @@ using LibraryMain = ILibrary& (*)(AppDomain& appDomain);
 /// @endcode
 extern "C" __attribute__((visibility("default"))) Vela::System::Kiro::ILibrary&
 VelaDynamicLibraryMain(Vela::AppDomain& appDomain);
+
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
