@@ -149,6 +149,19 @@ TEST_F(ComponentServices, KeepComponentAndLibraryBelowACallThatDoesNotEnd)
     EXPECT_TRUE(GetTrace().ends_with("CallEnd\n")) << GetTrace();
 }
 
+TEST_F(ComponentServices, KeepComponentAndLibraryBelowACallThatOutlivesRemoting)
+{
+    SetUpWith(std::chrono::milliseconds(20));
+    int descriptor = -1;
+    std::thread caller = BeginCall(GetService(), descriptor);
+    EXPECT_FALSE(RscManager::DisposeInstance());
+    processManager.Dispose();
+    EXPECT_TRUE(IsMapped(path));
+    close(descriptor);
+    caller.join();
+    EXPECT_TRUE(GetTrace().ends_with("CallEnd\n")) << GetTrace();
+}
+
 TEST_F(ComponentServices, StandBesideTheProcessManagersOwn)
 {
     SetUpWith(std::chrono::seconds(60));
