@@ -23,7 +23,6 @@ namespace Vela::System::Kiro::Internal
 {
 
 using Commons::Diagnostics::Logger;
-using Commons::Diagnostics::LogLevel;
 using Commons::Diagnostics::LogManager;
 
 namespace

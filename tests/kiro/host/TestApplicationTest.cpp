@@ -37,11 +37,6 @@ protected:
     {
         onSetup();
     }
-
-    void DisposeInternal() override
-    {
-        ApplicationBase::DisposeInternal();
-    }
 };
 
 /// Standard input as a pipe, for the time of a test.

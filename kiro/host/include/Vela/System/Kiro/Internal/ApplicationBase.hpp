@@ -76,7 +76,7 @@ public:
     ApplicationBase(const ApplicationBase&) = delete;
     ApplicationBase& operator=(const ApplicationBase&) = delete;
     /// Dispose must have been called when Main was.
-    ~ApplicationBase();
+    ~ApplicationBase() override;
 
     /// A copy of the process's name; empty once disposed.
     [[nodiscard]] String GetName() const override;

@@ -20,7 +20,7 @@ public:
     /// The role unless the command line gives one: main, or else child.
     /// @throws InvalidOperationException when both roles are wanted
     MainApplicationBase(const String& name, bool isMainProcess, bool isChildProcess, bool loadSettings);
-    ~MainApplicationBase();
+    ~MainApplicationBase() override;
 
     [[nodiscard]] ProcessKind GetProcessKind() const noexcept;
 

@@ -13,7 +13,7 @@ class VELA_KIRO_API TestApplicationBase : public MainApplicationBase
 {
 public:
     TestApplicationBase(const String& name, bool childProcess, bool loadSettings);
-    ~TestApplicationBase();
+    ~TestApplicationBase() override;
 
     /// Handles one key; any but X is ignored.
     void ProcessConsoleCommand(int character);
