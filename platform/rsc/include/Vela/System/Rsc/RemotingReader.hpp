@@ -76,7 +76,7 @@ public:
     void ReadEnd() const;
 
     /// Memory that all array elements of one message may take once they are read, in bytes.
-    static constexpr std::size_t maxElementMemory = 64U * 1024U * 1024U;
+    static constexpr std::size_t maxElementMemory = std::size_t{64} * 1024 * 1024;
     static constexpr unsigned maxDepth = 32;
 
 private:

@@ -14,8 +14,8 @@ namespace Vela::System::Rsc
 struct VELA_RSC_API RscManagerOptions
 {
     /// Bytes of a request and of a response.
-    std::size_t maxRequestSize = 1024U * 1024U;
-    std::size_t maxResponseSize = 16U * 1024U * 1024U;
+    std::size_t maxRequestSize = std::size_t{1024} * 1024;
+    std::size_t maxResponseSize = std::size_t{16} * 1024 * 1024;
     /// Connections that this process serves at a time, each with a thread of its own.
     std::size_t maxConnections = 128;
     /// Connections that this process opens to one other process, and so the depth of calls that nest between the two.
