@@ -137,6 +137,19 @@ TEST_F(WholeSystemTest, ChildrenDieWithTheMainProcess)
     EXPECT_EQ(main.AwaitEnd(), -SIGKILL);
 }
 
+TEST_F(WholeSystemTest, AChildThatWaitsForADebuggerEndsWithTheMainProcess)
+{
+    system.WriteConfig("<Processes><Process name='Left' debugBreak='true'/></Processes><Libraries><Library name='L' "
+                       "binaryPath='libNone.so'/></Libraries><Components><Component name='C' type='T' library='L' "
+                       "process='Left'/></Components>");
+    StartedProcess main = system.Start();
+    main.AwaitLine("Debug Break: press any key to continue");
+    main.Signal(SIGKILL);
+    // The output is at its end when the child has gone as well.
+    EXPECT_EQ(main.AwaitEnd(), -SIGKILL);
+    EXPECT_TRUE(main.HasOutput("that started this child process has ended.")) << main.GetOutput();
+}
+
 TEST_F(WholeSystemTest, AChildThatDiesAtItsStartEndsTheStart)
 {
     Configure({"MainProcess", "Left"}, {{"InLeft", "Left"}});

@@ -2,6 +2,7 @@
 
 #include <Host/ApplicationData.hpp>
 #include <Host/DebugBreak.hpp>
+#include <Host/ParentProcess.hpp>
 #include <Settings/KiroSettingsLoader.hpp>
 #include <Vela/AppDomain.hpp>
 #include <Vela/AppDomainSingleton.hpp>
@@ -63,7 +64,8 @@ void ApplicationBase::SetupBase(LogLevel logLevel, const char* settingsPath)
     if (data->isDebugBreak)
     {
         log.Info("Debug Break: press any key to continue");
-        WaitForKeyOrDebugger([this] { return data->shutdown.IsEnding(); });
+        // A child is not tied to the life of its parent yet.
+        WaitForKeyOrDebugger([this] { return data->shutdown.IsEnding() || FindEndedParent(); });
     }
     log.Info("VelaVersion: {0}", VelaVersion::GetCurrent().ToString());
     log.Debug("Starting application '{0}' in current directory:", GetName());

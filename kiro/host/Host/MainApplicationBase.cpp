@@ -1,8 +1,8 @@
 #include <Host/GuardedSteps.hpp>
+#include <Host/ParentProcess.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Diagnostics/Logger.hpp>
-#include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Threading/Thread.hpp>
 #include <Vela/System/Kiro/Internal/MainApplicationBase.hpp>
 #include <Vela/System/Kiro/Services/Internal/SystemManagerServiceProxy.hpp>
@@ -12,7 +12,6 @@
 #include <boost/program_options/value_semantic.hpp>
 #include <boost/program_options/variables_map.hpp>
 #include <sys/prctl.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
@@ -108,11 +107,10 @@ void MainApplicationBase::TieLifeToParent()
     {
         throw InvalidOperationException("prctl(PR_SET_PDEATHSIG, SIGKILL) failed for child process");
     }
-    // A parent that died before the call sends nothing any more. A child started by hand has nobody to compare with.
-    String parentId;
-    if (Commons::Environment::GetVariableValue(parentProcessIdName, parentId) && parentId != std::to_string(getppid()))
+    // A parent that died before the call sends nothing any more.
+    if (const auto parentId = FindEndedParent())
     {
-        throw InvalidOperationException("The process {0} that started this child process has ended.", parentId);
+        throw InvalidOperationException("The process {0} that started this child process has ended.", *parentId);
     }
 }
 
