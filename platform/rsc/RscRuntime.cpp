@@ -5,6 +5,7 @@
 #include "Transport/EndpointName.hpp"
 #include "Transport/Socket.hpp"
 
+#include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
@@ -262,8 +263,26 @@ bool RscRuntime::Close() noexcept
         const std::lock_guard lock(slot.mutex);
         slot.leftRegistry = registry;
     }
-    systemLock.reset();
+    if (systemLock)
+    {
+        RemoveLeftovers();
+        systemLock.reset();
+    }
     return hasEnded;
+}
+
+void RscRuntime::RemoveLeftovers() noexcept
+{
+    try
+    {
+        // Children that were killed could not remove their names themselves.
+        directory->RemoveLeftovers();
+    }
+    catch (...)
+    {
+        log.Warning("{}", CaughtException::Current().Describe("Leftovers could not be removed: {0}",
+                                                              "Leftovers could not be removed."));
+    }
 }
 
 void RscRuntime::CloseEndpointNames() noexcept

@@ -74,6 +74,7 @@ public:
 
 private:
     void OpenEndpoint(int requestedPort);
+    void RemoveLeftovers() noexcept;
     void CloseEndpointNames() noexcept;
 
     const String applicationName;
