@@ -22,7 +22,7 @@ namespace
 
 void Say(const String& line)
 {
-    std::cout << line << std::endl;
+    std::cout << line + "\n" << std::flush;
 }
 
 int Run(const String& name, const std::map<String, String>& options)

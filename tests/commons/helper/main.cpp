@@ -32,6 +32,12 @@ namespace
 
 using Arguments = std::vector<std::string>;
 
+/// One line by one write: lines of two threads must not mix.
+void Say(const std::string& line)
+{
+    std::cout << line + "\n" << std::flush;
+}
+
 std::string Link(const std::string& path)
 {
     char buffer[4096] = {};
@@ -116,13 +122,13 @@ int Signals(const Arguments&)
     {
         SignalHandler handler;
         handler.Setup();
-        std::cout << "ready" << std::endl;
+        Say("ready");
         std::string mode;
         std::getline(std::cin, mode);
         handler.SetHandler(
             [&, mode](int signal)
             {
-                std::cout << "handled " << signal << std::endl;
+                Say("handled " + std::to_string(signal));
                 while (mode == "hang")
                 {
                     ::pause();
@@ -133,13 +139,13 @@ int Signals(const Arguments&)
                     throw InvalidOperationException("out of order");
                 }
             });
-        std::cout << "installed" << std::endl;
+        Say("installed");
         if (mode != "none")
         {
             done.WaitOne();
         }
     }
-    std::cout << "stopped" << std::endl;
+    Say("stopped");
     LogManager::DisposeInstance();
     return 0;
 }
