@@ -47,7 +47,7 @@ String SharedLibraryLoader::ProbeLibraryName(const String& libraryPath)
     {
         return libraryPath;
     }
-    const String probedPath =
+    String probedPath =
         Path::Combine(Path::GetDirectoryName(libraryPath), GetLinuxFileName(Path::GetFileName(libraryPath)));
     if (!File::Exists(probedPath))
     {
@@ -71,7 +71,7 @@ LoadedLibrary SharedLibraryLoader::Load(const String& libraryPath, bool shadowCo
                                         const std::vector<String>& dependencies)
 {
     LoadedLibrary loaded;
-    const String probedPath = ProbeLibraryName(libraryPath);
+    String probedPath = ProbeLibraryName(libraryPath);
     loaded.path = probedPath;
     if (shadowCopy)
     {
