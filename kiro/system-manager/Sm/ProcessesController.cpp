@@ -174,15 +174,19 @@ void ProcessesController::LoadLibraries()
         }
         for (const auto& [name, library] : process->libraries)
         {
-            bool isLoaded = false;
+            try
             {
                 const SlowCallWatcher::Watch watch(slowCalls, "LoadLibrary", "library", name, processName);
-                isLoaded = service->LoadLibrary(Rsc::RscString<512>(name), Rsc::RscString<512>(library->path));
+                if (!service->LoadLibrary(Rsc::RscString<512>(name), Rsc::RscString<512>(library->path)))
+                {
+                    throw Exception("Library '{0}' couldn't loaded in process {1}.", name, processName);
+                }
             }
-            if (!isLoaded)
+            catch (...)
             {
+                // The cause names the file; which process wanted it is said here.
                 log.Error("Library '{0}' couldn't loaded in process {1}.", name, processName);
-                throw Exception("Library '{0}' couldn't loaded in process {1}.", name, processName);
+                throw;
             }
             log.Info("Library '{0}' in process '{1}' loaded.", name, processName);
         }
