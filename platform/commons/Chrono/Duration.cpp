@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <string_view>
 #include <utility>
 
@@ -52,12 +53,8 @@ bool Multiply(std::string_view digits, std::int64_t unit, std::int64_t& result)
 /// Nanoseconds of the digits behind the point, from the last to the first, so that no step needs more than 64 bits.
 std::int64_t MultiplyFraction(std::string_view digits, std::int64_t unit)
 {
-    std::int64_t result = 0;
-    for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit)
-    {
-        result = (result + (*digit - '0') * unit) / 10;
-    }
-    return result;
+    return std::accumulate(digits.rbegin(), digits.rend(), std::int64_t{0},
+                           [unit](std::int64_t sum, char digit) { return (sum + (digit - '0') * unit) / 10; });
 }
 
 } // namespace
