@@ -6,6 +6,7 @@
 #include <Environment/EnvironmentLock.hpp>
 #include <Runtime/SpawnPlan.hpp>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -23,7 +24,7 @@ std::vector<String> MergeEnvironment(const std::map<String, String>& variables)
     std::erase_if(texts, [&](const String& text) { return variables.contains(text.substr(0, text.find('='))); });
     for (const auto& [name, value] : variables)
     {
-        texts.push_back(name + '=' + value);
+        texts.push_back(fmt::format("{}={}", name, value));
     }
     return texts;
 }
