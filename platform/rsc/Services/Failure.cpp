@@ -10,7 +10,7 @@ namespace Vela::System::Rsc
 namespace
 {
 
-constexpr std::size_t maxTextSize = 16U * 1024U;
+constexpr std::size_t maxTextSize = std::size_t{16} * 1024;
 
 void WriteText(RemotingWriter& writer, const String& text)
 {

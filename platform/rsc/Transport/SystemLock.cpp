@@ -18,7 +18,6 @@ namespace Vela::System::Rsc
 {
 
 using Commons::ThrowSystemError;
-using Commons::UniqueFd;
 
 namespace
 {
