@@ -97,7 +97,7 @@ int Family(const Arguments& arguments)
             ::pause();
         }
     }
-    const std::string end = arguments.at(1);
+    const std::string& end = arguments.at(1);
     if (end == "exit")
     {
         return 3;

@@ -31,6 +31,7 @@ public:
     /// ISO 8601 with microseconds: "2024-08-01T12:34:56.123456Z".
     [[nodiscard]] String ToString() const;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the checker takes the zero that the compiler compares with for a pointer
     constexpr auto operator<=>(const DateTime&) const noexcept = default;
 
 private:
