@@ -113,17 +113,22 @@ TEST_F(ComponentServices, LetCallsInProgressEndBeforeTheComponentGoes)
     int descriptor = -1;
     std::thread caller = BeginCall(service, descriptor);
     std::thread destroyer([this] { processManager.DestroyComponent("C"); });
-    try
+    // Refused as soon as the service is being withdrawn.
+    const auto isRefused = [&service]
     {
-        while (true)
+        try
         {
-            // Refused as soon as the service is being withdrawn.
             service->GetName();
-            std::this_thread::yield();
+            return false;
         }
-    }
-    catch (const RscException&)
+        catch (const RscException&)
+        {
+            return true;
+        }
+    };
+    while (!isRefused())
     {
+        std::this_thread::yield();
     }
     EXPECT_EQ(GetTrace().find("Destroy"), String::npos);
     close(descriptor);
