@@ -245,6 +245,7 @@ TEST_F(ProcessManagerTest, ServesSeveralThreadsAtATime)
         }
     };
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int number = 0; number < threadCount; ++number)
     {
         threads.emplace_back(work, number);
