@@ -100,7 +100,7 @@ TEST(Payload, TravelsThroughRemoting)
     NotificationDelivery sent;
     sent.misses = {{3, 17}};
     sent.notifications = {{std::make_shared<Notification>(MakeNotification()), {1, 3}}};
-    System::Rsc::RemotingWriter writer(64 * 1024);
+    System::Rsc::RemotingWriter writer(std::size_t{64} * 1024);
     System::Rsc::WriteRemote(writer, sent);
 
     NotificationDelivery received;

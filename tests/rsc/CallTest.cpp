@@ -108,8 +108,10 @@ TEST_P(Call, BringsExceptionsOfTheServiceAsTheSameClass)
 TEST_P(Call, ServesManyThreadsAtOnce)
 {
     const auto service = OpenService();
+    constexpr int count = 8;
     std::vector<std::future<bool>> callers;
-    for (int caller = 0; caller < 8; ++caller)
+    callers.reserve(count);
+    for (int caller = 0; caller < count; ++caller)
     {
         callers.push_back(std::async(std::launch::async,
                                      [&service, caller]
