@@ -92,7 +92,7 @@ TEST_F(EndpointUnderAttack, ClosesOnlyTheConnectionOnAMalformedFrameAndSaysWhy)
         std::function<void(RawClient&)> send;
         String reason;
     };
-    const auto introduced = [](std::function<void(RawClient&)> next)
+    const auto introduced = [](const std::function<void(RawClient&)>& next)
     {
         return [next](RawClient& client)
         {
