@@ -14,6 +14,7 @@
 #include <Vela/System/Commons/Io/File.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Kiro/Internal/ApplicationBase.hpp>
+#include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/VelaVersion.hpp>
 
 namespace Vela::System::Kiro::Internal
@@ -28,8 +29,6 @@ using Commons::Runtime::SignalHandler;
 
 namespace
 {
-
-constexpr const char* gatewayPortVariableName = "VelaGatewayPort";
 
 /// The core of a process that is not bound.
 constexpr std::int32_t allProcessors = -1;
@@ -111,7 +110,7 @@ void ApplicationBase::ProcessCommandline()
     data->singleProcess = options.Find<bool>(singleProcessOptionName).value_or(data->singleProcess);
     if (const auto port = options.Find<std::uint16_t>(gatewayPortOptionName))
     {
-        AppDomainSingleton<EnvironmentData>::GetInstance().AddDefaultVariable(gatewayPortVariableName,
+        AppDomainSingleton<EnvironmentData>::GetInstance().AddDefaultVariable(Rsc::RscManager::gatewayPortVariable,
                                                                               std::to_string(*port));
     }
 }

@@ -1,6 +1,6 @@
 #include <Host/ParentProcess.hpp>
+#include <Sm/ChildCommandLine.hpp>
 #include <Vela/System/Commons/Environment.hpp>
-#include <Vela/System/Kiro/Internal/MainApplicationBase.hpp>
 
 #include <unistd.h>
 
@@ -10,7 +10,7 @@ namespace Vela::System::Kiro::Internal
 std::optional<String> FindEndedParent()
 {
     String id;
-    const bool isTold = Commons::Environment::GetVariableValue(MainApplicationBase::parentProcessIdName, id);
+    const bool isTold = Commons::Environment::GetVariableValue(Sm::parentProcessIdVariable, id);
     return isTold && id != std::to_string(getppid()) ? std::optional(id) : std::nullopt;
 }
 

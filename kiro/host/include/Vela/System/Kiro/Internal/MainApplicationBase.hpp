@@ -14,8 +14,6 @@ public:
     static constexpr const char* startAsMainOptionDescription = "startup as main process";
     static constexpr const char* startAsChildOptionName = "child";
     static constexpr const char* startAsChildOptionDescription = "startup as child process";
-    /// The environment variable by which a child is told who its parent is.
-    static constexpr const char* parentProcessIdName = "VELA_PARENT_PID";
 
     /// The role unless the command line gives one: main, or else child.
     /// @throws InvalidOperationException when both roles are wanted
