@@ -30,6 +30,9 @@ add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 # A unique symbol pins the shared object that defines it: nothing of ours may keep a library from being unloaded.
 add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 add_link_options(-Wl,--as-needed -Wl,--no-undefined)
+include(VelaHardening)
+add_compile_options(${VELA_HARDENING_COMPILE_OPTIONS})
+add_link_options(${VELA_HARDENING_LINK_OPTIONS})
 
 if(VELA_SANITIZE)
   add_compile_options(-fsanitize=${VELA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -2,6 +2,7 @@
 #
 # A component library libName.so for the Vela runtime. It exports its entry function VelaDynamicLibraryMain and nothing
 # else, so that several libraries in one process cannot get into each other's way and unloading one really unmaps it.
+include("${CMAKE_CURRENT_LIST_DIR}/VelaHardening.cmake")
 set(VELA_COMPONENT_LIBRARY_EXPORTS "${CMAKE_CURRENT_LIST_DIR}/VelaComponentLibrary.map")
 
 function(vela_add_component_library name)
@@ -19,7 +20,9 @@ function(vela_add_component_library name)
     LINK_DEPENDS "${VELA_COMPONENT_LIBRARY_EXPORTS}")
   target_compile_features(${name} PRIVATE cxx_std_20)
   # A unique symbol would pin the library in memory for the life of the process.
-  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
-  target_link_options(${name} PRIVATE "LINKER:--version-script=${VELA_COMPONENT_LIBRARY_EXPORTS}")
+  target_compile_options(${name} PRIVATE
+    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique> ${VELA_HARDENING_COMPILE_OPTIONS})
+  target_link_options(${name} PRIVATE
+    ${VELA_HARDENING_LINK_OPTIONS} "LINKER:--version-script=${VELA_COMPONENT_LIBRARY_EXPORTS}")
   target_link_libraries(${name} PRIVATE Vela::Kiro ${ARG_LIBS})
 endfunction()

@@ -9,7 +9,6 @@
 
 #include <sys/eventfd.h>
 #include <sys/random.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <utility>
@@ -209,8 +208,7 @@ bool ServiceFinder::Close() noexcept
             return false;
         }
     }
-    const std::uint64_t one = 1;
-    static_cast<void>(::write(closeEvent.Get(), &one, sizeof(one)));
+    static_cast<void>(::eventfd_write(closeEvent.Get(), 1));
     return true;
 }
 

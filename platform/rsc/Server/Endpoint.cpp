@@ -9,7 +9,6 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -41,14 +40,13 @@ struct Endpoint::Board
 
     void Wake() const noexcept
     {
-        const std::uint64_t one = 1;
-        static_cast<void>(::write(wakeEvent.Get(), &one, sizeof(one)));
+        static_cast<void>(::eventfd_write(wakeEvent.Get(), 1));
     }
 
     void ClearWake() const noexcept
     {
-        std::uint64_t count = 0;
-        static_cast<void>(::read(wakeEvent.Get(), &count, sizeof(count)));
+        eventfd_t count = 0;
+        static_cast<void>(::eventfd_read(wakeEvent.Get(), &count));
     }
 
     void ReportEnd(std::size_t worker)
