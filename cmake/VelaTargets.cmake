@@ -65,7 +65,7 @@ endfunction()
 # classes the test reaches: their objects become part of the executable, which then stands for the library itself.
 function(vela_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ROOMS;DEPENDS" ${ARGN})
-  add_executable(test-${name} ${ARG_SOURCES})
+  add_executable(test-${name} ${ARG_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/HangReport.cpp")
   vela_use_pch(test-${name})
   foreach(room IN LISTS ARG_ROOMS)
     target_link_libraries(test-${name} PRIVATE kiro_${room})
