@@ -48,7 +48,7 @@ Recorder::Recorder(IApplication& application, ILibrary& library, const String& n
 
 Recorder::~Recorder()
 {
-    Trace(process, GetName(), "Destroy");
+    Report("Destroy");
 }
 
 void Recorder::Take(const char* step)
