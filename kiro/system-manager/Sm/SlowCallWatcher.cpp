@@ -57,8 +57,12 @@ void SlowCallWatcher::Run()
         if (call.step == nullptr)
         {
             isWaitingForCall = true;
-            condition.wait(lock, [this] { return isStopping || call.step != nullptr; });
-            isWaitingForCall = false;
+            condition.wait(lock, [this] { return isStopping || !isWaitingForCall; });
+            if (call.step == nullptr)
+            {
+                // The call was over before this thread was awake. The next one tells nobody of its begin.
+                condition.wait_until(lock, Clock::now() + limit, [this] { return isStopping; });
+            }
             continue;
         }
         const auto now = Clock::now();

@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
 using namespace Vela::Testing;
 using namespace Vela::System::Kiro::Internal::Sm;
 using namespace std::chrono_literals;
@@ -23,6 +26,24 @@ std::vector<std::string> AwaitWarnings(const CapturedLog& log, std::size_t count
         warnings = log.GetLines("Warning");
     }
     return warnings;
+}
+
+/// Blocks until the watcher's thread, of which there is one, waits for something.
+void AwaitSleepOfWatcher()
+{
+    for (;;)
+    {
+        for (const auto& task : std::filesystem::directory_iterator("/proc/self/task"))
+        {
+            std::string status;
+            std::getline(std::ifstream(task.path() / "stat"), status);
+            if (status.find("(SlowCallWatcher) S") != std::string::npos)
+            {
+                return;
+            }
+        }
+        std::this_thread::yield();
+    }
 }
 
 } // namespace
@@ -50,6 +71,24 @@ TEST(SlowCallWatcher, WarnsOfACallThatDoesNotReturnAndAgainAtDoublingIntervals)
     // A later call is watched from its own start on, although the last one was in a long interval.
     const SlowCallWatcher::Watch other(watcher, "LoadLibrary", "library", component, process);
     EXPECT_THAT(AwaitWarnings(log, 4).back(), testing::HasSubstr("LoadLibrary of library 'pump'"));
+}
+
+TEST(SlowCallWatcher, WarnsOfACallBehindOneThatWasOverBeforeTheWatcherWasAwake)
+{
+    const std::string name = "pump";
+    for (int round = 0; round < 50; ++round)
+    {
+        const CapturedLog log;
+        SlowCallWatcher watcher(1ms);
+        AwaitSleepOfWatcher();
+        {
+            const SlowCallWatcher::Watch quick(watcher, "LoadConfig", "component", name, name);
+        }
+        std::this_thread::yield();
+        AwaitSleepOfWatcher();
+        const SlowCallWatcher::Watch slow(watcher, "StartComponent", "component", name, name);
+        EXPECT_THAT(AwaitWarnings(log, 1).front(), testing::HasSubstr("StartComponent"));
+    }
 }
 
 TEST(SlowCallWatcher, WatchesNothingWithoutALimit)

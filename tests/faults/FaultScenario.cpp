@@ -1,0 +1,462 @@
+#include "FaultScenario.hpp"
+
+#include <Vela/System/Commons/UniqueFd.hpp>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+// Some versions of the C library declare these without regard to C++.
+extern "C"
+{
+#include <sys/pidfd.h>
+}
+
+namespace Vela::Testing
+{
+
+namespace
+{
+
+using System::Commons::UniqueFd;
+
+constexpr const char* isUp = "Application 'MainProcess' was setup successfully.";
+
+/// What the faulty component does; what a shell does that stands for its process; see the recording library.
+struct Action
+{
+    Fault fault;
+    const char* script;
+    const char* shell;
+};
+
+const Action actions[] = {
+    {Fault::ThrowPlatform, "throw platform the pump is gone", ""},
+    {Fault::ThrowStandard, "throw standard the pump is gone", ""},
+    {Fault::ThrowUnknown, "throw unknown", ""},
+    {Fault::Hang, "hang", "read never < hold"},
+    {Fault::Crash, "crash", "kill -SEGV $$"},
+    {Fault::Exit, "exit 0", "exit 0"},
+};
+
+/// Sanitizers must let processes die as they do without them.
+std::string AddOptions(const char* variable, const char* options)
+{
+    const char* present = std::getenv(variable);
+    return std::string(present != nullptr ? present : "") + ":" + options;
+}
+
+std::map<std::string, std::string> MakeEnvironment(const TestSystem& system)
+{
+    return {{"VELA_PATH_RUNTIME_DIR", system.GetRuntimeDirectory()},
+            {"RECORDING_TRACE", system.directory / "trace"},
+            {"RECORDING_SCRIPT", system.directory / "script"},
+            {"ASAN_OPTIONS", AddOptions("ASAN_OPTIONS", "handle_segv=0")},
+            {"TSAN_OPTIONS", AddOptions("TSAN_OPTIONS", "handle_segv=0:report_thread_leaks=0")}};
+}
+
+char GetState(pid_t process)
+{
+    std::ifstream stream("/proc/" + std::to_string(process) + "/stat");
+    std::string text;
+    std::getline(stream, text);
+    const std::size_t name = text.rfind(") ");
+    return name == std::string::npos ? '?' : text[name + 2];
+}
+
+UniqueFd Watch(pid_t process)
+{
+    return UniqueFd(pidfd_open(process, 0));
+}
+
+void AwaitDeath(const UniqueFd& process)
+{
+    pollfd ended{process.Get(), POLLIN, 0};
+    const auto patience = std::chrono::milliseconds(StartedProcess::patience);
+    if (poll(&ended, 1, static_cast<int>(patience.count())) != 1)
+    {
+        throw std::runtime_error("The process that is to die lives");
+    }
+}
+
+} // namespace
+
+FaultScenario::FaultScenario(const FaultCell& faultCell)
+    : cell(faultCell)
+    , expected(faultCell)
+{
+    for (const char* fifo : {"gate", "trigger", "hold"})
+    {
+        if (mkfifo((system.directory / fifo).c_str(), S_IRUSR | S_IWUSR) != 0)
+        {
+            throw std::runtime_error("Cannot make a FIFO");
+        }
+    }
+}
+
+std::string FaultScenario::Run()
+{
+    try
+    {
+        WriteDocuments(false);
+        main.emplace(TestSystem::GetBuiltFile("bin/Vela.System.Application"), std::vector<std::string>{},
+                     MakeEnvironment(system), system.directory.GetPath().string());
+        Reach();
+        Inflict();
+        Finish();
+        Check();
+        CheckNextStart();
+    }
+    catch (const std::exception& exception)
+    {
+        Require(false, exception.what());
+    }
+    if (failures.empty())
+    {
+        return {};
+    }
+    return cell.GetName() + "\n" + failures + "--- script\n" + system.directory.Read("script") + "--- trace\n" +
+           system.directory.Read("trace") + "--- output\n" + (main ? main->GetOutput() : "") + "---\n";
+}
+
+void FaultScenario::WriteDocuments(bool isHealthy) const
+{
+    const bool isSlowExpected = !isHealthy && (cell.fault == Fault::Hang || cell.fault == Fault::StopAndContinue);
+    const bool isStartLimited = !isHealthy && cell.phase == Phase::Connect && cell.fault == Fault::Hang;
+    // Processes that have not answered cannot be asked to end.
+    const bool isNeverAsked = !isHealthy && expected.outcome == Outcome::NeverStarts;
+    const bool isWatched = isHealthy || cell.IsLeftToTheWatchdog();
+    system.WriteSettings(std::string("<ProcessSettings singleProcess='false' watchdogDelayTime='0ms' watchdogIdleTime='") +
+                         (isWatched ? "5ms" : "1h") + "' startWaitTime='" + (isStartLimited ? "300ms" : "1min") +
+                         "' stopWaitTime='" + (isNeverAsked ? "200ms" : "1min") + "' slowStepTime='" +
+                         (isSlowExpected ? "100ms" : "1h") + "'/>");
+
+    const std::string faulty = cell.GetProcess();
+    std::string text = "<Processes>";
+    for (const char* process : {"MainProcess", "Left", "Right"})
+    {
+        const bool hasShell = cell.phase == Phase::Connect && process == faulty;
+        text += std::string("<Process name='") + process + "'" +
+                (hasShell ? " binaryPath='/bin/sh' args='connect.sh'" : "") + "/>";
+    }
+    text += "</Processes><Libraries><Library name='Recording' binaryPath='" +
+            TestSystem::GetBuiltFile("lib/libRecording.so") + "'/></Libraries><Components>";
+    const auto addComponent = [&](const char* name, const std::string& process, const char* attributes)
+    {
+        text += std::string("<Component name='") + name + "' process='" + process +
+                "' type='RecordingController' library='Recording' " + attributes + "/>";
+    };
+    addComponent("First", cell.GetFirstProcess(), "startOrder='10'");
+    addComponent("Faulty", faulty, cell.isRequired ? "startOrder='20' isRequired='true'" : "startOrder='20'");
+    addComponent("Last", cell.GetLastProcess(), "startOrder='30'");
+    system.WriteConfig(text + "</Components>");
+
+    system.directory.Write("script", isHealthy ? "" : MakeScript());
+    system.directory.Write("connect.sh", MakeConnectScript(isHealthy));
+}
+
+std::string FaultScenario::MakeConnectScript(bool isHealthy) const
+{
+    const std::string name = cell.GetProcess();
+    std::string text = "echo \"" + name + "[$$] Library in " + name + " takes step Connect\"\n";
+    for (const Action& action : actions)
+    {
+        text += action.fault == cell.fault && !isHealthy ? std::string(action.shell) + "\n" : "";
+    }
+    if (!isHealthy && !cell.IsOwnFault())
+    {
+        text += "read ignored < gate\n";
+    }
+    return text + "exec '" + TestSystem::GetBuiltFile("bin/Vela.System.Application") + "' --child=true --name=" + name +
+           "\n";
+}
+
+bool FaultScenario::IsHeldAtGate() const
+{
+    return !cell.IsOwnFault() && cell.phase != Phase::Idle;
+}
+
+bool FaultScenario::IsShutdownRequested() const
+{
+    // A signal that begins the shutdown would make the signal of the fault the second one.
+    return cell.IsBackward() && (cell.fault == Fault::Terminate || cell.fault == Fault::InterruptGroup);
+}
+
+std::string FaultScenario::MakeScript() const
+{
+    const std::string gate = system.directory / "gate";
+    const std::string trigger = system.directory / "trigger";
+    std::string fault;
+    for (const Action& action : actions)
+    {
+        fault = action.fault == cell.fault ? action.script : fault;
+    }
+    std::string text;
+    const std::string step = cell.GetPhase().step;
+    if (cell.phase == Phase::Idle)
+    {
+        text += fault.empty() ? "" : "Faulty Start when " + gate + " " + fault + "\n";
+    }
+    else
+    {
+        const std::string component = cell.phase == Phase::Load ? "-@" + cell.GetProcess() : "Faulty";
+        text += component + " " + step + " " + (IsHeldAtGate() ? "await " + gate : fault) + "\n";
+    }
+    if (cell.phase == Phase::PowerDown)
+    {
+        text += "First Start when " + trigger + " attempt request PowerDown\n";
+    }
+    if (cell.IsBackward())
+    {
+        text += IsShutdownRequested() ? "First Start when " + trigger + " attempt request Shutdown\n" : "";
+        // The main process must not come to its end before the watchdog has looked.
+        text += expected.outcome == Outcome::WatchdogEnds && !IsHeldAtGate()
+                    ? "First " + step + " await " + (system.directory / "hold") + "\n"
+                    : "";
+    }
+    return text;
+}
+
+void FaultScenario::Reach()
+{
+    if (!cell.IsForward())
+    {
+        main->AwaitLine(isUp);
+    }
+    if (cell.phase == Phase::PowerDown)
+    {
+        Open("trigger");
+    }
+    else if (cell.IsBackward())
+    {
+        BeginBackwardPhase();
+    }
+    if (cell.phase != Phase::Idle)
+    {
+        const bool isBefore = cell.GetPhase().group == Group::Before;
+        reachedLine = main->AwaitLine((isBefore ? "Library in " + cell.GetProcess() : std::string("Faulty")) +
+                                      " takes step " + cell.GetPhase().step);
+    }
+    else if (cell.IsOwnFault())
+    {
+        const UniqueFd victim = Watch(FindProcess(cell.GetProcess()));
+        Open("gate");
+        AwaitDeath(victim);
+    }
+}
+
+void FaultScenario::BeginBackwardPhase()
+{
+    if (IsShutdownRequested())
+    {
+        Open("trigger");
+        return;
+    }
+    main->Signal(SIGTERM);
+    main->AwaitLine("requests the shutdown of the system");
+}
+
+void FaultScenario::Inflict()
+{
+    const bool isToldAlready = cell.IsBackward();
+    switch (cell.fault)
+    {
+    case Fault::KillChild:
+    {
+        const pid_t process = FindProcess(cell.GetKilledProcess());
+        const UniqueFd victim = Watch(process);
+        kill(process, SIGKILL);
+        AwaitDeath(victim);
+        break;
+    }
+    case Fault::KillMain:
+        main->Signal(SIGKILL);
+        break;
+    case Fault::Terminate:
+        // A shell does not know what the signal means here.
+        kill(cell.phase == Phase::Connect ? main->GetId() : FindProcess(cell.GetProcess()), SIGTERM);
+        main->AwaitLine("requests the shutdown of the system");
+        break;
+    case Fault::InterruptGroup:
+        main->SignalGroup(SIGINT);
+        main->AwaitLine("requests the shutdown of the system");
+        break;
+    case Fault::Hang:
+    case Fault::TerminateTwice:
+        if (cell.fault == Fault::Hang && cell.phase == Phase::Connect)
+        {
+            return;
+        }
+        if (cell.fault == Fault::Hang)
+        {
+            main->AwaitLine(std::string(cell.GetPhase().call) + " of ");
+            Require(main->HasOutput("in process '" + cell.GetProcess() + "' has not returned after"),
+                    "the step that hangs is not named");
+        }
+        if (!isToldAlready)
+        {
+            main->Signal(SIGTERM);
+            main->AwaitLine("requests the shutdown of the system");
+        }
+        main->Signal(SIGTERM);
+        break;
+    case Fault::StopAndContinue:
+        StopAndContinue(FindProcess(cell.GetProcess()));
+        break;
+    default:
+        break;
+    }
+}
+
+void FaultScenario::StopAndContinue(pid_t process)
+{
+    kill(process, SIGSTOP);
+    while (GetState(process) != 'T')
+    {
+        std::this_thread::yield();
+    }
+    if (process != main->GetId() && cell.phase != Phase::Connect)
+    {
+        if (cell.phase == Phase::Idle)
+        {
+            main->Signal(SIGTERM);
+        }
+        main->AwaitLine("in process '" + cell.GetProcess() + "' has not returned after");
+    }
+    kill(process, SIGCONT);
+}
+
+void FaultScenario::Finish()
+{
+    const bool isReleased = expected.outcome == Outcome::EndsInOrder ||
+                            (cell.phase == Phase::Connect && expected.outcome == Outcome::MainDies);
+    if (IsHeldAtGate() && isReleased && cell.GetKilledProcess() != cell.GetProcess())
+    {
+        if (expected.outcome == Outcome::MainDies)
+        {
+            AwaitDeath(Watch(main->GetId()));
+        }
+        Open("gate");
+    }
+    const bool comesUp = expected.outcome == Outcome::EndsInOrder || expected.outcome == Outcome::RemovesFaulty;
+    const bool isTold = cell.IsBackward() || cell.fault == Fault::Terminate || cell.fault == Fault::InterruptGroup ||
+                        (cell.phase == Phase::Idle && cell.fault == Fault::StopAndContinue && cell.place != Place::Main);
+    if (comesUp && !isTold)
+    {
+        if (cell.IsForward())
+        {
+            main->AwaitLine(isUp);
+        }
+        main->Signal(SIGTERM);
+    }
+    const int exitCode = main->AwaitEnd();
+    Require(exitCode == expected.exitCode,
+            "exit code " + std::to_string(exitCode) + " instead of " + std::to_string(expected.exitCode));
+}
+
+void FaultScenario::Check()
+{
+    for (const std::string& line : expected.lines)
+    {
+        Require(main->HasOutput(line), "the log lacks: " + line);
+    }
+    for (const std::string& text : expected.absentTexts)
+    {
+        Require(!main->HasOutput(text), "the log has: " + text);
+    }
+    const auto check = [&](const char* component, const ExpectedSteps& steps)
+    {
+        const std::string actual = GetSteps(component);
+        Require(steps.Matches(actual), std::string(component) + " took: " + actual + "\n  must at least: " + steps.least +
+                                           "\n  and at most: " + steps.most);
+    };
+    check("First", expected.first);
+    check("Faulty", expected.faulty);
+    check("Last", expected.last);
+    if (!expected.MayLeaveNames())
+    {
+        CheckLeftovers("at the end");
+    }
+}
+
+void FaultScenario::CheckNextStart()
+{
+    WriteDocuments(true);
+    StartedProcess next(TestSystem::GetBuiltFile("bin/Vela.System.Application"), {}, MakeEnvironment(system),
+                        system.directory.GetPath().string());
+    next.AwaitLine(isUp);
+    next.Signal(SIGTERM);
+    const int exitCode = next.AwaitEnd();
+    const bool isHealthy = exitCode == 0 && !next.HasOutput("Error") && !next.HasOutput("Warning");
+    Require(isHealthy, "the next start went wrong: " + std::to_string(exitCode) + "\n" + next.GetOutput());
+    CheckLeftovers("after the next start");
+}
+
+void FaultScenario::CheckLeftovers(const std::string& when)
+{
+    const std::set<std::string> own{"gate",   "trigger", "hold",       "script",
+                                    "trace",  "run",     "connect.sh", "Default.kiro.settings",
+                                    "Default.kiro.config"};
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(system.directory.GetPath()))
+    {
+        const std::string name = entry.path().filename().string();
+        Require(own.contains(name), "left " + when + ": " + name);
+    }
+}
+
+void FaultScenario::Require(bool isMet, const std::string& what)
+{
+    if (!isMet)
+    {
+        failures += "* " + what + "\n";
+    }
+}
+
+pid_t FaultScenario::FindProcess(const std::string& name) const
+{
+    if (name == "MainProcess")
+    {
+        return main->GetId();
+    }
+    const std::size_t found = main->GetOutput().find(name + "[");
+    if (found == std::string::npos)
+    {
+        throw std::runtime_error("No output of process " + name);
+    }
+    return StartedProcess::GetProcessId(main->GetOutput().substr(found));
+}
+
+std::string FaultScenario::GetSteps(const std::string& component) const
+{
+    std::istringstream trace(system.directory.Read("trace"));
+    std::string process;
+    std::string name;
+    std::string step;
+    std::string steps;
+    while (trace >> process >> name >> step)
+    {
+        if (name == component)
+        {
+            steps += (steps.empty() ? "" : " ") + step;
+        }
+    }
+    return steps;
+}
+
+void FaultScenario::Open(const std::string& fifo) const
+{
+    // The opening returns when the component has opened its end as well.
+    close(open((system.directory / fifo).c_str(), O_WRONLY | O_CLOEXEC));
+}
+
+} // namespace Vela::Testing
