@@ -1,5 +1,6 @@
 #include "Recorder.hpp"
 
+#include <Vela/CaughtException.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Rsc/RscServiceFactory.hpp>
 
@@ -48,7 +49,11 @@ Recorder::Recorder(IApplication& application, ILibrary& library, const String& n
 
 Recorder::~Recorder()
 {
-    Report("Destroy");
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    Take("Destroy");
 }
 
 void Recorder::Take(const char* step)
@@ -57,14 +62,43 @@ void Recorder::Take(const char* step)
     Report(step);
     for (const String& action : script.GetActions(step))
     {
-        if (action == "publish")
+        Act(action);
+    }
+}
+
+void Recorder::Act(const String& action)
+{
+    String rest = action;
+    const String verb = TakeWord(rest);
+    if (verb == "publish")
+    {
+        Publish();
+    }
+    else if (verb == "when")
+    {
+        const String fifo = TakeWord(rest);
+        threads.emplace_back(
+            [this, fifo, rest]
+            {
+                Testing::Act("await " + fifo);
+                Act(rest);
+            });
+    }
+    else if (verb == "attempt")
+    {
+        try
         {
-            Publish();
+            Act(rest);
+            log.Info("{0} attempted '{1}'.", GetName(), rest);
         }
-        else
+        catch (...)
         {
-            Testing::Act(action);
+            log.Info("{0} attempted '{1}': {2}", GetName(), rest, CaughtException::Current().GetText());
         }
+    }
+    else
+    {
+        Testing::Act(action);
     }
 }
 

@@ -10,6 +10,8 @@
 
 #include <atomic>
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace Vela::Testing
 {
@@ -50,12 +52,15 @@ private:
 
     /// Writes the step into trace and log.
     void Report(const char* step) const;
+    void Act(const String& action);
     void Publish();
 
     const String process;
     Script script;
     const std::shared_ptr<Service> service;
     std::atomic<std::uint32_t> stepCount{0};
+    /// Wait for their FIFOs; joined before the library may go.
+    std::vector<std::thread> threads;
 };
 
 /// A recorder that is started and stopped.

@@ -20,11 +20,17 @@
 //                                                   when that opening returns, the step is here
 //     crash | kill | exit <code>                    the process ends: SIGSEGV, SIGKILL, _exit
 //     publish                                       publishes IRecordingService under the component's name
+//     request Shutdown|Restart|PowerDown            asks the system manager
+//     attempt <action>                              logs what the action throws and goes on
+//     when <fifo> <action>                          goes on at once; a thread of the component awaits the FIFO, then
+//     acts
 //
-// Lines for the step "Load" with the component "-" act in the library's entry function.
+// Lines for the step "Load" act in the library's entry function: of every process for the component "-", of one process
+// for "-@<process>". Lines for "Destroy" act in the destructor, from which nothing may be thrown.
 
 #include "Recorder.hpp"
 
+#include <Vela/AppDomain.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Kiro/LibraryBase.hpp>
 
@@ -133,16 +139,20 @@ private:
     ILibrary& library;
 };
 
-class RecordingLibrary : public LibraryBase
+class RecordingLibrary : public LibraryBase, private Vela::System::Commons::Diagnostics::Loggable<RecordingLibrary>
 {
 public:
     explicit RecordingLibrary(AppDomain& appDomain)
         : LibraryBase(appDomain, BasicVersion(1, 2, 3, 4))
         , factory(*this)
     {
+        const String process = appDomain.GetApplicationName();
+        const String text = ReadFile(Vela::System::Commons::Environment::GetVariableValueOr("RECORDING_SCRIPT", ""));
         Trace("-", "-", "Load");
+        log.Info("Library in {0} takes step Load", process);
         Script script;
-        script.AddLines(ReadFile(Vela::System::Commons::Environment::GetVariableValueOr("RECORDING_SCRIPT", "")), "-");
+        script.AddLines(text, "-");
+        script.AddLines(text, "-@" + process);
         for (const String& action : script.GetActions("Load"))
         {
             Act(action);

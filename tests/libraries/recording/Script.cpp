@@ -2,6 +2,8 @@
 
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Kiro/Services/Internal/SystemManagerServiceProxy.hpp>
+#include <Vela/System/Rsc/ServiceManager.hpp>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -13,6 +15,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -43,16 +46,6 @@ struct UnknownFailure
 {
     String text;
 };
-
-/// The next word of the text; what remains is the rest of the line.
-String TakeWord(String& text)
-{
-    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-    const std::size_t end = std::min(text.find_first_of(" \t", begin), text.size());
-    String word = text.substr(begin, end - begin);
-    text.erase(0, std::min(text.find_first_not_of(" \t", end), text.size()));
-    return word;
-}
 
 void Throw(String text)
 {
@@ -95,7 +88,30 @@ void WaitForWriter(const String& fifo)
     close(fd);
 }
 
+/// Asks the system manager, wherever it is.
+void Request(const String& operation)
+{
+    using System::Kiro::Services::Internal::ISystemManagerService;
+    using System::Kiro::Services::Internal::SystemManagerServiceProxyFactory;
+    static const std::map<String, void (ISystemManagerService::*)()> operations{
+        {"Shutdown", &ISystemManagerService::Shutdown},
+        {"Restart", &ISystemManagerService::Restart},
+        {"PowerDown", &ISystemManagerService::PowerDown},
+    };
+    const auto service = System::Rsc::ServiceManager::GetService(SystemManagerServiceProxyFactory::GetInstance());
+    ((*service).*operations.at(operation))();
+}
+
 } // namespace
+
+String TakeWord(String& text)
+{
+    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+    const std::size_t end = std::min(text.find_first_of(" \t", begin), text.size());
+    String word = text.substr(begin, end - begin);
+    text.erase(0, std::min(text.find_first_not_of(" \t", end), text.size()));
+    return word;
+}
 
 void Script::AddLines(const String& text, const String& componentName)
 {
@@ -151,6 +167,10 @@ void Act(const String& action)
     else if (verb == "kill")
     {
         std::ignore = raise(SIGKILL);
+    }
+    else if (verb == "request")
+    {
+        Request(text);
     }
     else if (verb == "exit")
     {

@@ -26,7 +26,10 @@ private:
     std::vector<Line> lines;
 };
 
-/// Carries out an action other than "publish".
+/// The next word of the text; what remains is the rest of the line.
+String TakeWord(String& text);
+
+/// Carries out an action that needs no component.
 void Act(const String& action);
 
 /// Appends a line to the trace file, by one write; without a file nothing happens.
