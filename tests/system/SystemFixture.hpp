@@ -1,11 +1,10 @@
 #pragma once
 
+#include <RecordedTrace.hpp>
 #include <TestSystem.hpp>
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -57,40 +56,16 @@ protected:
         system.directory.Write("script", lines);
     }
 
-    /// The trace of one step: the components that took it, in their order, blank-separated.
+    /// The components that took a step, in their order, blank-separated.
     [[nodiscard]] std::string GetOrder(const std::string& step) const
     {
-        std::istringstream trace(system.directory.Read("trace"));
-        std::string process;
-        std::string component;
-        std::string taken;
-        std::string order;
-        while (trace >> process >> component >> taken)
-        {
-            if (taken == step)
-            {
-                order += (order.empty() ? "" : " ") + component;
-            }
-        }
-        return order;
+        return GetRecordedOrder(system.directory.Read("trace"), step);
     }
 
-    /// The trace of one component: its steps in their order, blank-separated.
+    /// The steps that a component took, in their order, blank-separated.
     [[nodiscard]] std::string GetSteps(const std::string& component) const
     {
-        std::istringstream trace(system.directory.Read("trace"));
-        std::string process;
-        std::string name;
-        std::string step;
-        std::string steps;
-        while (trace >> process >> name >> step)
-        {
-            if (name == component)
-            {
-                steps += (steps.empty() ? "" : " ") + step;
-            }
-        }
-        return steps;
+        return GetRecordedSteps(system.directory.Read("trace"), component);
     }
 
     TestSystem system;
