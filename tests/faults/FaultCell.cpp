@@ -68,13 +68,25 @@ struct Exclusion
 
 const Exclusion exclusions[] = {
     {"The main process does not wait for itself to answer.",
-     [](const FaultCell& cell) { return cell.phase == Phase::Connect && cell.place == Place::Main; }},
+     [](const FaultCell& cell)
+     {
+         return cell.phase == Phase::Connect && cell.place == Place::Main;
+     }},
     {"A process that does not answer yet runs no code of components that could throw.",
-     [](const FaultCell& cell) { return cell.phase == Phase::Connect && cell.IsThrow(); }},
+     [](const FaultCell& cell)
+     {
+         return cell.phase == Phase::Connect && cell.IsThrow();
+     }},
     {"Nobody waits for a component of a system that is up.",
-     [](const FaultCell& cell) { return cell.phase == Phase::Idle && cell.fault == Fault::Hang; }},
+     [](const FaultCell& cell)
+     {
+         return cell.phase == Phase::Idle && cell.fault == Fault::Hang;
+     }},
     {"The second signal to a system that nothing holds comes in a backward phase.",
-     [](const FaultCell& cell) { return cell.phase == Phase::Idle && cell.fault == Fault::TerminateTwice; }},
+     [](const FaultCell& cell)
+     {
+         return cell.phase == Phase::Idle && cell.fault == Fault::TerminateTwice;
+     }},
     {"Necessity is a property of components, so it means nothing before they are created.",
      [](const FaultCell& cell)
      {

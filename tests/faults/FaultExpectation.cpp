@@ -21,10 +21,9 @@ struct Walk
 };
 
 const Walk walks[] = {
-    {Phase::PublishServices, settingsSteps},  {Phase::SetupConfig, configSteps},
-    {Phase::Start, {"Start"}},                {Phase::PowerDown, {"PowerDown"}},
-    {Phase::Stop, {"Stop"}},                  {Phase::ResetConfig, {"ResetConfig"}},
-    {Phase::Dispose, {"Dispose"}},            {Phase::Destroy, {"Destroy"}},
+    {Phase::PublishServices, settingsSteps}, {Phase::SetupConfig, configSteps}, {Phase::Start, {"Start"}},
+    {Phase::PowerDown, {"PowerDown"}},       {Phase::Stop, {"Stop"}},           {Phase::ResetConfig, {"ResetConfig"}},
+    {Phase::Dispose, {"Dispose"}},           {Phase::Destroy, {"Destroy"}},
 };
 
 void Append(Steps& steps, const Steps& more)

@@ -1,5 +1,5 @@
-// Every phase of a system's life with every fault: see FaultCell for the cells and FaultExpectation for what must come of
-// them.
+// Every phase of a system's life with every fault: see FaultCell for the cells and FaultExpectation for what must come
+// of them.
 //
 // An ordinary run takes a slice. With VELA_FAULT_CELLS=all the whole matrix runs; another value runs the cells whose
 // names contain it, such as "Stop/Hang" or "LastChild/required".
@@ -33,8 +33,7 @@ std::vector<FaultCell> SelectCells()
     std::vector<FaultCell> cells = ListCells();
     if (std::string(wanted) != "all")
     {
-        std::erase_if(cells,
-                      [&](const FaultCell& cell) { return cell.GetName().find(wanted) == std::string::npos; });
+        std::erase_if(cells, [&](const FaultCell& cell) { return cell.GetName().find(wanted) == std::string::npos; });
     }
     return cells;
 }

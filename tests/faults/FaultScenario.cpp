@@ -2,6 +2,7 @@
 
 #include <Vela/System/Commons/UniqueFd.hpp>
 
+#include <RecordedTrace.hpp>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -12,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -136,10 +136,10 @@ void FaultScenario::WriteDocuments(bool isHealthy) const
     // Processes that have not answered cannot be asked to end.
     const bool isNeverAsked = !isHealthy && expected.outcome == Outcome::NeverStarts;
     const bool isWatched = isHealthy || cell.IsLeftToTheWatchdog();
-    system.WriteSettings(std::string("<ProcessSettings singleProcess='false' watchdogDelayTime='0ms' watchdogIdleTime='") +
-                         (isWatched ? "5ms" : "1h") + "' startWaitTime='" + (isStartLimited ? "300ms" : "1min") +
-                         "' stopWaitTime='" + (isNeverAsked ? "200ms" : "1min") + "' slowStepTime='" +
-                         (isSlowExpected ? "100ms" : "1h") + "'/>");
+    system.WriteSettings(
+        std::string("<ProcessSettings singleProcess='false' watchdogDelayTime='0ms' watchdogIdleTime='") +
+        (isWatched ? "5ms" : "1h") + "' startWaitTime='" + (isStartLimited ? "300ms" : "1min") + "' stopWaitTime='" +
+        (isNeverAsked ? "200ms" : "1min") + "' slowStepTime='" + (isSlowExpected ? "100ms" : "1h") + "'/>");
 
     const std::string faulty = cell.GetProcess();
     std::string text = "<Processes>";
@@ -220,7 +220,7 @@ std::string FaultScenario::MakeScript() const
     {
         text += IsShutdownRequested() ? "First Start when " + trigger + " attempt request Shutdown\n" : "";
         // The main process must not come to its end before the watchdog has looked.
-        text += expected.outcome == Outcome::WatchdogEnds && !IsHeldAtGate()
+        text += expected.outcome == Outcome::WatchdogEnds && cell.GetKilledProcess() == cell.GetProcess()
                     ? "First " + step + " await " + (system.directory / "hold") + "\n"
                     : "";
     }
@@ -349,8 +349,9 @@ void FaultScenario::Finish()
         Open("gate");
     }
     const bool comesUp = expected.outcome == Outcome::EndsInOrder || expected.outcome == Outcome::RemovesFaulty;
-    const bool isTold = cell.IsBackward() || cell.fault == Fault::Terminate || cell.fault == Fault::InterruptGroup ||
-                        (cell.phase == Phase::Idle && cell.fault == Fault::StopAndContinue && cell.place != Place::Main);
+    const bool isTold =
+        cell.IsBackward() || cell.fault == Fault::Terminate || cell.fault == Fault::InterruptGroup ||
+        (cell.phase == Phase::Idle && cell.fault == Fault::StopAndContinue && cell.place != Place::Main);
     if (comesUp && !isTold)
     {
         if (cell.IsForward())
@@ -376,9 +377,9 @@ void FaultScenario::Check()
     }
     const auto check = [&](const char* component, const ExpectedSteps& steps)
     {
-        const std::string actual = GetSteps(component);
-        Require(steps.Matches(actual), std::string(component) + " took: " + actual + "\n  must at least: " + steps.least +
-                                           "\n  and at most: " + steps.most);
+        const std::string actual = GetRecordedSteps(system.directory.Read("trace"), component);
+        Require(steps.Matches(actual), std::string(component) + " took: " + actual +
+                                           "\n  must at least: " + steps.least + "\n  and at most: " + steps.most);
     };
     check("First", expected.first);
     check("Faulty", expected.faulty);
@@ -404,8 +405,14 @@ void FaultScenario::CheckNextStart()
 
 void FaultScenario::CheckLeftovers(const std::string& when)
 {
-    const std::set<std::string> own{"gate",   "trigger", "hold",       "script",
-                                    "trace",  "run",     "connect.sh", "Default.kiro.settings",
+    const std::set<std::string> own{"gate",
+                                    "trigger",
+                                    "hold",
+                                    "script",
+                                    "trace",
+                                    "run",
+                                    "connect.sh",
+                                    "Default.kiro.settings",
                                     "Default.kiro.config"};
     for (const auto& entry : std::filesystem::recursive_directory_iterator(system.directory.GetPath()))
     {
@@ -434,23 +441,6 @@ pid_t FaultScenario::FindProcess(const std::string& name) const
         throw std::runtime_error("No output of process " + name);
     }
     return StartedProcess::GetProcessId(main->GetOutput().substr(found));
-}
-
-std::string FaultScenario::GetSteps(const std::string& component) const
-{
-    std::istringstream trace(system.directory.Read("trace"));
-    std::string process;
-    std::string name;
-    std::string step;
-    std::string steps;
-    while (trace >> process >> name >> step)
-    {
-        if (name == component)
-        {
-            steps += (steps.empty() ? "" : " ") + step;
-        }
-    }
-    return steps;
 }
 
 void FaultScenario::Open(const std::string& fifo) const

@@ -43,7 +43,6 @@ private:
 
     void Require(bool isMet, const std::string& what);
     [[nodiscard]] pid_t FindProcess(const std::string& name) const;
-    [[nodiscard]] std::string GetSteps(const std::string& component) const;
     /// Lets the component go on that waits for the FIFO.
     void Open(const std::string& fifo) const;
 
