@@ -1,6 +1,7 @@
 # Compiler and layout settings that hold for every target of the project.
 
 option(VELA_BUILD_TESTS "Build the tests" ON)
+option(VELA_BUILD_FUZZERS "Build the fuzz targets as programs; needs Clang" OFF)
 set(VELA_SANITIZE "" CACHE STRING "Sanitizers to build with, as the compiler's -fsanitize takes them")
 
 set(CMAKE_CXX_STANDARD 20)
