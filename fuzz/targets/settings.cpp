@@ -1,0 +1,79 @@
+#include <Settings/KiroSettingsLoader.hpp>
+#include <Vela/System/Commons/Environment.hpp>
+
+#include <CheckedLog.hpp>
+#include <DocumentFiles.hpp>
+#include <FuzzTarget.hpp>
+
+namespace Vela::Fuzz
+{
+
+namespace
+{
+
+using namespace System::Kiro::Internal::Settings;
+using System::Commons::Environment;
+
+/// What somebody who uses the settings sees of them.
+std::vector<String> Describe(const KiroSettings& settings)
+{
+    std::vector<String> texts{settings.GetRscSettings().GetPath(), settings.GetNmSettings().GetPath(),
+                              settings.GetLogSettings().GetLogDir(), settings.GetLogSettings().GetConfigFile(),
+                              settings.GetSecuritySettings().GetPath()};
+    for (const auto& [name, variable] : settings.GetEnvironmentVariables().GetVariables())
+    {
+        texts.push_back(name);
+        texts.push_back(Environment::GetVariableValueOr(name, "(nothing)"));
+    }
+    return texts;
+}
+
+struct Outcome
+{
+    std::optional<String> refusal;
+    std::vector<String> texts;
+    bool operator==(const Outcome&) const = default;
+};
+
+/// Loads the settings in a fresh environment.
+Outcome Load(const String& path)
+{
+    ClearEnvironment();
+    Environment::Setup();
+    Outcome outcome;
+    KiroSettings settings;
+    Environment::SetupSettings(settings.GetEnvironmentVariables());
+    outcome.refusal = GetRefusal([&] { KiroSettingsLoader::Load(path, settings, false); });
+    if (!outcome.refusal)
+    {
+        outcome.texts = Describe(settings);
+        for (const auto& [name, variable] : settings.GetEnvironmentVariables().GetVariables())
+        {
+            Require(variable.IsPublished(), "a variable of settings that were loaded is published");
+        }
+        const ProcessSettings& process = settings.GetProcessSettings();
+        for (const auto time : {process.GetStartWaitTime(), process.GetStopWaitTime(), process.GetWatchdogIdleTime(),
+                                process.GetWatchdogDelayTime(), process.GetSlowStepTime()})
+        {
+            Require(time >= std::chrono::milliseconds(0), "a time is not negative");
+        }
+    }
+    Environment::Dispose();
+    return outcome;
+}
+
+void Run(std::string_view input)
+{
+    static const DocumentFiles files{"Default.kiro.settings", "Deprecated.kiro.settings", "more/Plant.kiro.settings"};
+    SetUpCheckedLog();
+    if (files.Write(input))
+    {
+        Require(Load(files.GetRootPath()) == Load(files.GetRootPath()), "the same documents give the same settings");
+    }
+}
+
+const FuzzTarget target("settings", &Run);
+
+} // namespace
+
+} // namespace Vela::Fuzz
