@@ -1,6 +1,5 @@
 #include "Client/ServiceFinder.hpp"
 
-#include "Transport/DirectoryWatch.hpp"
 #include "Transport/EndpointName.hpp"
 #include "Transport/TransportException.hpp"
 
@@ -36,6 +35,46 @@ std::uint64_t DrawInstanceId()
 }
 
 } // namespace
+
+class ServiceFinder::WatchLease
+{
+public:
+    explicit WatchLease(ServiceFinder& serviceFinder)
+        : finder(serviceFinder)
+    {
+        {
+            const std::lock_guard lock(finder.mutex);
+            watch = std::move(finder.keptWatch);
+        }
+        if (watch == nullptr)
+        {
+            watch = std::make_unique<DirectoryWatch>();
+        }
+        watch->Begin(*finder.directory);
+    }
+
+    WatchLease(const WatchLease&) = delete;
+    WatchLease& operator=(const WatchLease&) = delete;
+
+    ~WatchLease()
+    {
+        watch->End();
+        const std::lock_guard lock(finder.mutex);
+        if (finder.keptWatch == nullptr)
+        {
+            finder.keptWatch = std::move(watch);
+        }
+    }
+
+    DirectoryWatch* operator->() const noexcept
+    {
+        return watch.get();
+    }
+
+private:
+    ServiceFinder& finder;
+    std::unique_ptr<DirectoryWatch> watch;
+};
 
 ServiceFinder::ServiceFinder(Process ownProcess, const RscManagerOptions& options,
                              std::shared_ptr<const RuntimeDirectory> runtimeDirectory,
@@ -104,7 +143,7 @@ std::optional<RscServiceBinding> ServiceFinder::Bind(const ServiceProvider& prov
 
     std::vector<int> wakes(wakeDescriptors.begin(), wakeDescriptors.end());
     wakes.push_back(closeEvent.Get());
-    DirectoryWatch watch(*directory);
+    std::optional<WatchLease> watch;
     for (;;)
     {
         bool mustPause = address.port != 0;
@@ -123,8 +162,20 @@ std::optional<RscServiceBinding> ServiceFinder::Bind(const ServiceProvider& prov
             // worth another try.
             mustPause = true;
         }
-        const auto nextTry = mustPause ? std::min(deadline, Clock::now() + retryPause) : deadline;
-        const WaitResult result = mustPause ? WaitForInput(-1, nextTry, wakes) : watch.WaitForFile(deadline, wakes);
+        WaitResult result = WaitResult::Changed;
+        if (mustPause)
+        {
+            result = WaitForInput(-1, std::min(deadline, Clock::now() + retryPause), wakes);
+        }
+        else if (watch)
+        {
+            result = (*watch)->WaitForFile(deadline, wakes);
+        }
+        else if (Clock::now() < deadline)
+        {
+            // Most lookups never come here. One more look, now that nothing is missed any longer.
+            watch.emplace(*this);
+        }
         if (result == WaitResult::Woken || Clock::now() >= deadline)
         {
             return std::nullopt;

@@ -4,6 +4,7 @@
 #include "Client/LocalClient.hpp"
 #include "Client/ProcessClient.hpp"
 #include "Server/ServiceRegistry.hpp"
+#include "Transport/DirectoryWatch.hpp"
 #include "Transport/RuntimeDirectory.hpp"
 
 #include <Vela/String.hpp>
@@ -61,6 +62,9 @@ public:
     bool Close() noexcept;
 
 private:
+    /// The kept watch, or another one when it is in use, for the time of a lookup that waits.
+    class WatchLease;
+
     [[nodiscard]] static EndpointAddress GetAddress(const ServiceProvider& provider);
     std::optional<RscServiceBinding> TryBind(const EndpointAddress& address, const ServiceKey& key,
                                              const String& interfaceName, Clock::time_point deadline,
@@ -80,6 +84,7 @@ private:
 
     std::mutex mutex;
     std::map<std::uint64_t, std::weak_ptr<ProcessClient>> clients;
+    std::unique_ptr<DirectoryWatch> keptWatch;
     bool isClosed = false;
 };
 

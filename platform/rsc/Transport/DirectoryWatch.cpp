@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace Vela::System::Rsc
@@ -25,19 +26,25 @@ constexpr auto pollingInterval = 20ms;
 
 } // namespace
 
-DirectoryWatch::DirectoryWatch(const RuntimeDirectory& directory)
-    : descriptor(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
+void DirectoryWatch::Begin(const RuntimeDirectory& directory)
 {
-    const String path = fmt::format("/proc/self/fd/{}", directory.GetDescriptor());
-    if (descriptor.IsValid() && ::inotify_add_watch(descriptor.Get(), path.c_str(), IN_CREATE | IN_MOVED_TO) < 0)
+    if (!descriptor.IsValid())
     {
-        descriptor.Reset();
+        descriptor.Reset(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
     }
+    const String path = fmt::format("/proc/self/fd/{}", directory.GetDescriptor());
+    directoryWatch = ::inotify_add_watch(descriptor.Get(), path.c_str(), IN_CREATE | IN_MOVED_TO);
+}
+
+void DirectoryWatch::End() noexcept
+{
+    ::inotify_rm_watch(descriptor.Get(), std::exchange(directoryWatch, -1));
+    Drain();
 }
 
 WaitResult DirectoryWatch::WaitForFile(Clock::time_point deadline, std::span<const int> wakeDescriptors)
 {
-    if (descriptor.IsValid())
+    if (directoryWatch >= 0)
     {
         const WaitResult result = WaitForInput(descriptor.Get(), deadline, wakeDescriptors);
         Drain();
@@ -48,7 +55,7 @@ WaitResult DirectoryWatch::WaitForFile(Clock::time_point deadline, std::span<con
     return result == WaitResult::TimedOut && next < deadline ? WaitResult::Changed : result;
 }
 
-void DirectoryWatch::Drain() const
+void DirectoryWatch::Drain() const noexcept
 {
     alignas(inotify_event) std::array<std::byte, 4096> events;
     while (::read(descriptor.Get(), events.data(), events.size()) > 0)
