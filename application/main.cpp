@@ -14,10 +14,10 @@ int main(int argc, char** argv)
         const StartState startState(argc, argv);
         MainApplicationBase application("MainProcess", true, false, true);
         const int exitCode = application.Main(argc, argv, LogLevel::None);
-        // Taking the system down withdraws the request.
+        // Taking the system down clears the flag.
         const bool isRestartRequested = application.IsRestartRequested();
         const bool isOrderly = application.Dispose();
-        if (isRestartRequested)
+        if (isRestartRequested && !application.IsRestartWithdrawn())
         {
             startState.StartAgain();
         }

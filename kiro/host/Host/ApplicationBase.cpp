@@ -106,6 +106,11 @@ bool ApplicationBase::IsRestartRequested() const noexcept
     return data->shutdown.IsRestartRequested();
 }
 
+bool ApplicationBase::IsRestartWithdrawn() const noexcept
+{
+    return data->shutdown.IsSystemShutdownLast();
+}
+
 void ApplicationBase::WaitForShutdown()
 {
     data->shutdown.Wait();

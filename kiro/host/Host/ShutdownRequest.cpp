@@ -32,6 +32,7 @@ void ShutdownRequest::Wait()
 
 void ShutdownRequest::RequestRestart()
 {
+    isSystemShutdownLast.store(false);
     restartRequested.store(true);
     shutdownRequested.store(true);
     Signal();
@@ -39,6 +40,7 @@ void ShutdownRequest::RequestRestart()
 
 void ShutdownRequest::RequestSystemShutdown()
 {
+    isSystemShutdownLast.store(true);
     restartRequested.store(false);
     Signal();
 }
@@ -58,6 +60,11 @@ void ShutdownRequest::RequestConsoleShutdown() noexcept
 bool ShutdownRequest::IsRestartRequested() const noexcept
 {
     return restartRequested.load();
+}
+
+bool ShutdownRequest::IsSystemShutdownLast() const noexcept
+{
+    return isSystemShutdownLast.load();
 }
 
 bool ShutdownRequest::IsShutdownRequested() const noexcept

@@ -32,6 +32,9 @@ public:
     void RequestConsoleShutdown() noexcept;
 
     [[nodiscard]] bool IsRestartRequested() const noexcept;
+    /// Whether the last of the requests that concern the whole system was one for its end alone. Unlike the flag of the
+    /// restart this says so also when processes have been told to end meanwhile.
+    [[nodiscard]] bool IsSystemShutdownLast() const noexcept;
     /// The flag that console hosts poll.
     [[nodiscard]] bool IsShutdownRequested() const noexcept;
     /// Whether any of the requests was made that signal the event.
@@ -42,6 +45,7 @@ private:
 
     std::atomic<bool> shutdownRequested{false};
     std::atomic<bool> restartRequested{false};
+    std::atomic<bool> isSystemShutdownLast{false};
     mutable std::mutex mutex;
     bool isEnding = false;
     std::shared_ptr<Commons::Threading::AutoResetEvent> event;

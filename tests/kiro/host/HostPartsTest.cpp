@@ -45,6 +45,11 @@ TEST(ShutdownRequest, LaterShutdownWithdrawsARestart)
     request.RequestSystemShutdown();
     EXPECT_FALSE(request.IsRestartRequested());
     EXPECT_TRUE(request.IsShutdownRequested());
+    EXPECT_TRUE(request.IsSystemShutdownLast());
+
+    request.RequestRestart();
+    request.RequestProcessShutdown();
+    EXPECT_FALSE(request.IsSystemShutdownLast()) << "a process is told to end for a restart, too";
 }
 
 TEST(ShutdownRequest, IsKeptUntilTheEventExists)

@@ -100,6 +100,10 @@ public:
     /// the request.
     [[nodiscard]] bool IsRestartRequested() const noexcept;
 
+    /// Whether the end of the system was requested behind its restart, if there was any. Ask after Dispose: a signal
+    /// may come while the system is taken down.
+    [[nodiscard]] bool IsRestartWithdrawn() const noexcept;
+
     /// Blocks until the end is requested.
     void WaitForShutdown();
 
