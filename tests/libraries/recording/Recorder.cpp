@@ -3,6 +3,7 @@
 #include <Vela/CaughtException.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Rsc/RscServiceFactory.hpp>
+#include <Vela/System/Rsc/ServiceManager.hpp>
 
 namespace Vela::Testing
 {
@@ -83,6 +84,13 @@ void Recorder::Act(const String& action)
                 Testing::Act("await " + fifo);
                 Act(rest);
             });
+    }
+    else if (verb == "call")
+    {
+        const String component = TakeWord(rest);
+        System::Rsc::ServiceManager::GetService(RecordingServiceProxyFactory(),
+                                                System::Rsc::ServiceProvider::Component(component))
+            ->Act(rest);
     }
     else if (verb == "attempt")
     {

@@ -21,6 +21,7 @@
 //     crash | kill | exit <code>                    the process ends: SIGSEGV, SIGKILL, _exit
 //     publish                                       publishes IRecordingService under the component's name
 //     request Shutdown|Restart|PowerDown            asks the system manager
+//     call <component> <action>                     lets a component that has published its service act
 //     attempt <action>                              logs what the action throws and goes on
 //     when <fifo> <action>                          goes on at once; a thread of the component awaits the FIFO, then
 //     acts
