@@ -6,8 +6,11 @@
 #include <Vela/System/Commons/Diagnostics/Logger.hpp>
 #include <Vela/System/Commons/Runtime/SharedLibrary.hpp>
 
+#include <ThrownMessage.hpp>
 #include <gtest/gtest.h>
+#include <link.h>
 
+#include <cstring>
 #include <fstream>
 
 using namespace Vela;
@@ -72,6 +75,30 @@ TEST(SharedLibrary, FindsOnlyWhatTheLibraryItselfDefines)
     EXPECT_EQ(library.GetFunctionAddress("DependencyEntry"), nullptr) << "defined by a library that it depends on";
     EXPECT_EQ(library.GetFunctionAddress("malloc"), nullptr);
     EXPECT_EQ(library.GetFunctionAddress("NoSuchFunction"), nullptr);
+}
+
+TEST(SharedLibrary, RefusesAFileThatIsCutOffBeforeItIsMapped)
+{
+    std::ifstream stream(GetLibrary(), std::ios::binary);
+    const String image{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    // Behind its segments a library may have what nobody maps, such as its debug information.
+    std::size_t end = 0;
+    ElfW(Ehdr) header{};
+    std::memcpy(&header, image.data(), sizeof(header));
+    for (std::size_t index = 0; index < header.e_phnum; ++index)
+    {
+        ElfW(Phdr) segment{};
+        std::memcpy(&segment, image.data() + header.e_phoff + index * sizeof(segment), sizeof(segment));
+        end = segment.p_type == PT_LOAD ? std::max<std::size_t>(end, segment.p_offset + segment.p_filesz) : end;
+    }
+    const Vela::Testing::TemporaryDirectory directory;
+    SharedLibrary library;
+    for (std::size_t size = 0; size < end; size += 1 + end / 200)
+    {
+        const String path = directory.Write("libPart.so", image.substr(0, size));
+        const String message = Vela::Testing::GetThrownMessage<Exception>([&] { library.Load(path); });
+        EXPECT_NE(message.find(path), String::npos) << message;
+    }
 }
 
 TEST(SharedLibrary, PassesOnWhatTheLoaderSays)

@@ -2,6 +2,7 @@
 #include <Vela/System/Commons/Io/File.hpp>
 #include <Vela/System/Commons/Runtime/SharedLibrary.hpp>
 
+#include <Runtime/LibraryFile.hpp>
 #include <dlfcn.h>
 #include <link.h>
 
@@ -23,7 +24,12 @@ void SharedLibrary::Load(const String& libraryPath)
     }
     // A bare name would be looked up in the system's directories, not in the working directory.
     const bool isBareName = libraryPath.find('/') == String::npos && Io::File::Exists(libraryPath);
-    handle = ::dlopen((isBareName ? "./" + libraryPath : libraryPath).c_str(), RTLD_NOW | RTLD_LOCAL);
+    const String file = isBareName ? "./" + libraryPath : libraryPath;
+    if (IsCutOff(file))
+    {
+        throw Exception("Could not load library '{0}': the file is cut off", libraryPath);
+    }
+    handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr)
     {
         const char* reason = ::dlerror();
