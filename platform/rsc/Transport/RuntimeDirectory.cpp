@@ -243,7 +243,7 @@ std::vector<String> RuntimeDirectory::List() const
 {
     std::vector<String> names;
     UniqueFd copy(::openat(descriptor.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::fdopendir(copy.Get()), ::closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(copy.IsValid() ? ::fdopendir(copy.Get()) : nullptr, ::closedir);
     if (directory == nullptr)
     {
         ThrowSystemError(fmt::format("Cannot read runtime directory '{}'", path));
