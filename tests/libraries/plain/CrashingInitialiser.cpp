@@ -1,0 +1,10 @@
+// A library whose initialiser takes its process with it.
+
+#include <csignal>
+
+namespace
+{
+
+const int crashed = raise(SIGSEGV);
+
+} // namespace
