@@ -48,6 +48,8 @@ public:
     {
         const std::filesystem::path file = path / name;
         std::filesystem::create_directories(file.parent_path());
+        // Some file systems flush a file that is written over, which takes a hundred times longer than a new one.
+        std::filesystem::remove(file);
         std::ofstream(file, std::ios::binary) << text;
         return file.string();
     }
