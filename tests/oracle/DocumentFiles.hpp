@@ -97,4 +97,26 @@ std::vector<File> GenerateFiles(Random& random, std::vector<std::string> paths)
     return files;
 }
 
+/// The cases with a file less, but for the root, and those with one file simpler.
+template <typename Case, typename File, typename SimplifyFile>
+void AppendSimplerFiles(std::vector<Case>& simpler, const Case& sample, std::vector<File> Case::*files,
+                        const SimplifyFile& simplifyFile)
+{
+    for (std::size_t index = 0; index < (sample.*files).size(); ++index)
+    {
+        if (index > 0)
+        {
+            simpler.push_back(sample);
+            (simpler.back().*files).erase((simpler.back().*files).begin() + static_cast<std::ptrdiff_t>(index));
+        }
+        std::vector<File> changed;
+        simplifyFile(changed, (sample.*files)[index]);
+        for (File& file : changed)
+        {
+            simpler.push_back(sample);
+            (simpler.back().*files)[index] = std::move(file);
+        }
+    }
+}
+
 } // namespace Vela::Testing

@@ -182,36 +182,25 @@ EnvironmentCase GenerateEnvironment(Random& random)
 std::vector<EnvironmentCase> Simplify(const EnvironmentCase& sample)
 {
     std::vector<EnvironmentCase> simpler;
-    for (std::size_t file = 1; file < sample.files.size(); ++file)
-    {
-        EnvironmentCase copy = sample;
-        copy.files.erase(copy.files.begin() + static_cast<std::ptrdiff_t>(file));
-        simpler.push_back(std::move(copy));
-    }
     AppendWithoutEach(simpler, sample, &EnvironmentCase::publications);
     for (const auto& [name, value] : sample.outside)
     {
         simpler.push_back(sample);
         simpler.back().outside.erase(name);
     }
-    for (std::size_t file = 0; file < sample.files.size(); ++file)
-    {
-        std::vector<SettingsFile> shorter;
-        AppendWithoutEach(shorter, sample.files[file], &SettingsFile::variables);
-        for (const SettingsFile& one : shorter)
-        {
-            simpler.push_back(sample);
-            simpler.back().files[file] = one;
-        }
-        for (std::size_t variable = 0; variable < sample.files[file].variables.size(); ++variable)
-        {
-            if (sample.files[file].variables[variable].value != "1")
-            {
-                simpler.push_back(sample);
-                simpler.back().files[file].variables[variable].value = "1";
-            }
-        }
-    }
+    AppendSimplerFiles(simpler, sample, &EnvironmentCase::files,
+                       [](std::vector<SettingsFile>& changed, const SettingsFile& file)
+                       {
+                           AppendWithoutEach(changed, file, &SettingsFile::variables);
+                           for (std::size_t index = 0; index < file.variables.size(); ++index)
+                           {
+                               if (file.variables[index].value != "1")
+                               {
+                                   changed.push_back(file);
+                                   changed.back().variables[index].value = "1";
+                               }
+                           }
+                       });
     return simpler;
 }
 
