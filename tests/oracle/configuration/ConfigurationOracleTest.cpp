@@ -107,8 +107,7 @@ TEST(ConfigurationOracle, HoldsForTheLoader)
          .observe = [&](const ConfigurationCase& sample) { return Observe(sample, directory, log); },
          .simplify = Simplify,
          .missing = {"Duplicated component name", "Process 'A' is already declared", "is already declared!",
-                     "must not be empty", "Dependency '", "was explicitly configured", "@Zeta", "external",
-                     "[true, "}},
+                     "must not be empty", "Dependency '", "was explicitly configured", "@Zeta", "external", "[true, "}},
         5000);
 }
 

@@ -1,6 +1,7 @@
 // The controllers over real process managers, in one process: any operations in any order.
 
 #include "LifecycleModel.hpp"
+#include "OperationRun.hpp"
 #include "RecorderProcess.hpp"
 #include "RecorderStage.hpp"
 
@@ -8,7 +9,6 @@
 #include <Settings/ProcessSettings.hpp>
 #include <Sm/ComponentsController.hpp>
 #include <Sm/ProcessesController.hpp>
-#include <Vela/CaughtException.hpp>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -98,11 +98,6 @@ std::string Operate(Controllers& controllers, const std::string& operation)
     return {};
 }
 
-std::string DescribeFailure(bool isUnspecified, const std::string& text)
-{
-    return isUnspecified ? "unspecified exception" : "exception: " + text;
-}
-
 LifecycleCase Generate(Random& random)
 {
     LifecycleCase system = GenerateSystem(
@@ -143,16 +138,9 @@ LifecycleCase Generate(Random& random)
 Trace Predict(const LifecycleCase& system)
 {
     LifecycleModel model(system, RecorderStage::GetLibraryPath(), false);
-    const auto run = [&](const std::string& operation, const std::function<std::string()>& action)
+    const auto run = [&](const std::string& operation, const auto& action)
     {
-        try
-        {
-            model.trace.push_back(operation + ": " + action());
-        }
-        catch (const LifecycleModel::Failure& failure)
-        {
-            model.trace.push_back(operation + ": " + DescribeFailure(failure.isUnspecified, failure.text));
-        }
+        RunModelOperation(model.trace, operation, action);
         model.trace.push_back("State:" + model.GetState());
     };
     run("SetupConfig", [&] { return model.SetupConfig(), ""; });
@@ -251,20 +239,9 @@ Trace Observe(RecorderStage& stage, const LifecycleCase& system)
     RecorderHost host;
     {
         RealControllers controllers(host, system);
-        const auto run = [&](const std::string& operation, const std::function<std::string()>& action)
+        const auto run = [&](const std::string& operation, const auto& action)
         {
-            std::string outcome;
-            try
-            {
-                outcome = action();
-            }
-            catch (...)
-            {
-                const auto failure = CaughtException::Current();
-                outcome = DescribeFailure(failure.GetTier() == CaughtException::Tier::Unspecified, failure.GetText());
-            }
-            stage.TakeLog(trace);
-            trace.push_back(operation + ": " + outcome);
+            RunRealOperation(stage, trace, operation, action);
             trace.push_back("State:" + controllers.GetState());
         };
         run("SetupConfig", [&] { return controllers.SetupConfig(system.isSingleProcess), ""; });

@@ -14,29 +14,6 @@ namespace
 
 constexpr const char* controller = "ComponentsController";
 constexpr const char* processesController = "ProcessesController";
-constexpr const char* processManager = "ProcessManager";
-
-/// What the process manager says when a component has taken a step.
-const std::map<std::string, const char*> stepMessages{
-    {"Initialize", "Initialize of component '{0}' called."},
-    {"SubscribeServices", "SubscribeServices of component '{0}' called."},
-    {"LoadSettings", "LoadSettings of component '{0}' with path '{1}' called."},
-    {"SetupSettings", "SetupSettings of component '{0}' called."},
-    {"PublishServices", "PublishServices of component '{0}' called."},
-    {"LoadConfig", "LoadConfig of component '{0}' called."},
-    {"SetupConfig", "SetupConfig of component '{0}' called."},
-    {"Start", "Start of component '{0}' called."},
-    {"Stop", "Stop of component '{0}' called."},
-    {"ResetConfig", "Reset config of component '{0}' called."},
-    {"Dispose", "Dispose of component '{0}' called."},
-    {"PowerDown", "PowerDown of component '{0}' called."},
-};
-
-template <typename E>
-LifecycleModel::Failure Fail(const E& exception)
-{
-    return {false, exception.ToString()};
-}
 
 bool IsSystem(const ComponentCase& component)
 {
@@ -54,7 +31,7 @@ void CheckLength(const std::string& text)
 {
     if (text.size() >= 512)
     {
-        throw Fail(ArgumentException::ForParameter("arg", "Input string is too long"));
+        throw ModelFailure::From(ArgumentException::ForParameter("arg", "Input string is too long"));
     }
 }
 
@@ -119,12 +96,16 @@ LifecycleModel::LifecycleModel(LifecycleCase wholeSystem, std::string recordingL
     , libraryPath(std::move(recordingLibraryPath))
     , isProcessNamed(namesProcesses)
 {
-    processes[LifecycleCase::mainProcess].name = LifecycleCase::mainProcess;
+    AddProcess(LifecycleCase::mainProcess, true);
     for (const ProcessCase& process : system.processes)
     {
-        processes[process.name].name = process.name;
-        processes[process.name].isConnected = process.isConnected;
+        AddProcess(process.name, process.isConnected);
     }
+}
+
+void LifecycleModel::AddProcess(const std::string& name, bool isConnected)
+{
+    processes.try_emplace(name, Process{name, isConnected, {trace, isProcessNamed ? name + " " : ""}});
 }
 
 void LifecycleModel::SetupConfig()
@@ -141,8 +122,8 @@ void LifecycleModel::SetupConfig()
         const auto process = processes.find(isInMain ? LifecycleCase::mainProcess : component->process);
         if (process == processes.end())
         {
-            throw Fail(InvalidConfigException("Component '{0}' has an invalid configuration: Process '{1}' is unknown.",
-                                              name, component->process));
+            throw ModelFailure::From(InvalidConfigException(
+                "Component '{0}' has an invalid configuration: Process '{1}' is unknown.", name, component->process));
         }
         if (!process->second.isConnected)
         {
@@ -153,7 +134,7 @@ void LifecycleModel::SetupConfig()
         {
             if (component->library != LifecycleCase::recordingLibrary)
             {
-                throw Fail(
+                throw ModelFailure::From(
                     InvalidConfigException("Component '{0}' has an invalid configuration: Library '{1}' is unknown.",
                                            name, component->library));
             }
@@ -174,11 +155,7 @@ void LifecycleModel::LoadLibraries()
             {
                 continue;
             }
-            if (process.loadedLibraries.insert(library).second)
-            {
-                Say(name, "Debug", processManager,
-                    fmt::format("Shared Library '{0}' with path '{1}' loaded.", library, libraryPath));
-            }
+            process.manager.LoadLibrary(library, libraryPath);
             Say(LifecycleCase::mainProcess, "Info", processesController,
                 fmt::format("Library '{0}' in process '{1}' loaded.", library, name));
         }
@@ -203,7 +180,7 @@ void LifecycleModel::Create(Component& component)
 {
     const ComponentCase& declared = *component.declared;
     SayOf("Debug", "Creating component '{0}' in process '{1}'.", component);
-    CallCreate(component);
+    Call(component, "Create");
     SayOf("Info", "Component '{0}' in process '{1}' created.", component);
     const bool isFromLibrary = !declared.library.empty();
     component.isController = isFromLibrary && declared.isController;
@@ -403,7 +380,7 @@ void LifecycleModel::RemoveComponent(const std::string& name)
 
 void LifecycleModel::LoseComponent(const std::string& name)
 {
-    for (const auto& [processName, process] : processes)
+    for (auto& [processName, process] : processes)
     {
         const auto found = process.configured.find(name);
         if (found != process.configured.end() && process.isConnected)
@@ -418,125 +395,36 @@ void LifecycleModel::EndProcesses()
     const auto before = static_cast<std::ptrdiff_t>(trace.size());
     for (auto& [name, process] : processes)
     {
-        for (const auto& [componentName, component] : process.existing)
-        {
-            Take(process, *component, "Destroy");
-        }
-        process.existing.clear();
+        process.manager.End();
     }
     std::sort(trace.begin() + before, trace.end());
 }
 
-void LifecycleModel::Call(const Component& component, const char* operation)
+void LifecycleModel::Call(const Component& component, const std::string& operation)
 {
     const ComponentCase& declared = *component.declared;
-    const std::string step = operation;
     CheckLength(declared.name);
-    if (step == "LoadSettings")
+    if (operation == "LoadSettings")
     {
         CheckLength(declared.settingsPath);
     }
-    Reach(declared, operation);
-    if (step == "Destroy")
+    const auto fault = declared.faults.find(operation);
+    if (fault != declared.faults.end() && fault->second == Fault::Lost)
     {
-        CallDestroy(component);
-        return;
+        throw ModelFailure::From(RscException(GetFaultText(declared.name, operation)));
     }
-    if (!component.process->existing.contains(declared.name))
+    ProcessManagerModel& manager = component.process->manager;
+    if (operation == "Create")
     {
-        throw Fail(InvalidOperationException("Component '{}' does not exist", declared.name));
+        manager.Create(declared);
     }
-    if ((step == "Start" || step == "Stop") && !declared.isController)
+    else if (operation == "Destroy")
     {
-        return;
+        manager.Destroy(declared);
     }
-    Take(*component.process, declared, operation);
-    Say(component.process->name, "Trace", processManager,
-        fmt::format(fmt::runtime(stepMessages.at(step)), declared.name, declared.settingsPath));
-}
-
-void LifecycleModel::CallCreate(const Component& component)
-{
-    const ComponentCase& declared = *component.declared;
-    Process& process = *component.process;
-    const std::string type = declared.GetType();
-    CheckLength(declared.name);
-    Reach(declared, "Create");
-    if (declared.library.empty() && !declared.isKnownType)
+    else
     {
-        throw Fail(InvalidOperationException("{0}: Can't create component '{1}' of type {2}, because no registered "
-                                             "factory method for this type exists.",
-                                             "CreateStaticComponent", declared.name, type));
-    }
-    if (!declared.library.empty() && !process.loadedLibraries.contains(declared.library))
-    {
-        throw Fail(KeyNotFoundException("Library '{0}' not found.", declared.library));
-    }
-    if (!declared.isKnownType)
-    {
-        throw Fail(InvalidOperationException("There is no recorder of type '{0}'.", type));
-    }
-    Take(process, declared, "Create");
-    const bool isNameTaken = process.existing.contains(declared.name);
-    const bool isTypeTaken =
-        std::any_of(process.existing.begin(), process.existing.end(),
-                    [&](const auto& other)
-                    { return other.second->isSingleton && other.second->isController == declared.isController; });
-    if (isNameTaken || (declared.isSingleton && isTypeTaken))
-    {
-        Take(process, declared, "Destroy");
-        throw isNameTaken
-            ? Fail(InvalidOperationException("Component '{}' yet exists", declared.name))
-            : Fail(InvalidOperationException("Component type {} is a singleton and might only be instantiated once.",
-                                             fmt::format("Vela::Testing::SingularRecorder<Vela::Testing::{}>",
-                                                         declared.isController ? "RecordingController" : "Recorder")));
-    }
-    process.existing[declared.name] = &declared;
-    Say(process.name, "Debug", processManager,
-        declared.library.empty()
-            ? fmt::format("Component '{0}' of type '{1}' from static library created.", declared.name, type)
-            : fmt::format("Component '{0}' of type '{1}' (Version {2}) from library '{3} created.", declared.name, type,
-                          "1.2.3.4", declared.library));
-}
-
-void LifecycleModel::CallDestroy(const Component& component)
-{
-    const ComponentCase& declared = *component.declared;
-    if (component.process->existing.erase(declared.name) == 0)
-    {
-        throw Fail(InvalidOperationException("Component '{}' does not exist", declared.name));
-    }
-    Take(*component.process, declared, "Destroy");
-    Say(component.process->name, "Debug", processManager, fmt::format("Component '{0}' destroyed.", declared.name));
-}
-
-void LifecycleModel::Reach(const ComponentCase& component, const char* operation)
-{
-    const auto fault = component.faults.find(operation);
-    if (fault != component.faults.end() && fault->second == Fault::Lost)
-    {
-        throw Fail(RscException(GetFaultText(component.name, operation)));
-    }
-}
-
-void LifecycleModel::Take(const Process& process, const ComponentCase& component, const char* step)
-{
-    Say(process.name, "Info", "Recorder", fmt::format("{0} takes step {1}", component.name, step));
-    const auto fault = component.faults.find(step);
-    if (fault == component.faults.end() || fault->second == Fault::Lost)
-    {
-        return;
-    }
-    const std::string text = GetFaultText(component.name, step);
-    switch (fault->second)
-    {
-    case Fault::Platform:
-        throw Fail(InvalidOperationException(text));
-    case Fault::Standard:
-    case Fault::Own:
-        throw Failure{false, text};
-    default:
-        throw Failure{true, {}};
+        manager.TakeStep(declared, operation);
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LifecycleCase.hpp"
+#include "ProcessManagerModel.hpp"
 
 #include <functional>
 #include <set>
@@ -13,12 +13,7 @@ namespace Vela::Testing
 class LifecycleModel
 {
 public:
-    struct Failure
-    {
-        bool isUnspecified;
-        /// The full text of a platform exception, what() of a standard one.
-        std::string text;
-    };
+    using Failure = ModelFailure;
 
     /// @param namesProcesses  each line begins with the process that said it
     LifecycleModel(LifecycleCase wholeSystem, std::string recordingLibraryPath, bool namesProcesses);
@@ -59,12 +54,11 @@ private:
     struct Process
     {
         std::string name;
-        bool isConnected = true;
-        std::set<std::string> neededLibraries;
-        std::set<std::string> loadedLibraries;
-        /// By name: those that are configured for the process, and those that exist in it.
-        std::map<std::string, Component> configured;
-        std::map<std::string, const ComponentCase*> existing;
+        bool isConnected;
+        ProcessManagerModel manager;
+        std::set<std::string> neededLibraries = {};
+        /// The components that are configured for the process, by name.
+        std::map<std::string, Component> configured = {};
     };
 
     struct Component
@@ -120,12 +114,9 @@ private:
     void Report(const char* activity, const Component& component, const Failure& failure);
     void SayOf(const char* level, const char* format, const Component& component);
 
-    /// What the process manager of the component's process does when it is asked to.
-    void Call(const Component& component, const char* operation);
-    void CallCreate(const Component& component);
-    void CallDestroy(const Component& component);
-    static void Reach(const ComponentCase& component, const char* operation);
-    void Take(const Process& process, const ComponentCase& component, const char* step);
+    /// A call to the process manager of the component's process, which may not arrive there.
+    void Call(const Component& component, const std::string& operation);
+    void AddProcess(const std::string& name, bool isConnected);
 
     const LifecycleCase system;
     const std::string libraryPath;

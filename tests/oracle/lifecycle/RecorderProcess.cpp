@@ -17,6 +17,11 @@ RecorderProcess::~RecorderProcess()
     manager.Dispose();
 }
 
+RecorderProcess::ProcessManager& RecorderProcess::GetManager() noexcept
+{
+    return manager;
+}
+
 String RecorderProcess::GetName() const
 {
     return name;

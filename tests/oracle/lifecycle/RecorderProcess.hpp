@@ -22,6 +22,7 @@ public:
     RecorderProcess(std::string processName, const LifecycleCase& wholeSystem);
     ~RecorderProcess() override;
 
+    [[nodiscard]] System::Kiro::Internal::Pm::ProcessManager& GetManager() noexcept;
     [[nodiscard]] String GetName() const override;
     void RequestProcessShutdown() override;
 

@@ -7,7 +7,6 @@
 #include <Pm/ProcessManager.hpp>
 #include <Settings/ProcessSettings.hpp>
 #include <Sm/SystemManager.hpp>
-#include <Vela/CaughtException.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Kiro/Services/ComponentInfo.hpp>
@@ -145,15 +144,15 @@ private:
         RecorderHost host;
         host.configPath = GetConfigPath();
         Sm::SystemManager manager(host, settings, system.isSingleProcess);
-        std::optional<LifecycleModel::Failure> failure;
+        std::optional<ModelFailure> failure;
         try
         {
             manager.SetupSystem();
         }
         catch (...)
         {
-            const auto caught = CaughtException::Current();
-            failure = {caught.GetTier() == CaughtException::Tier::Unspecified, WithoutPosition(caught.GetText())};
+            failure = GetCurrentFailure();
+            failure->text = WithoutPosition(failure->text);
         }
         TakeLog(trace);
         trace.push_back(DescribeSetup(failure));
@@ -244,7 +243,7 @@ TEST(LifecycleOracle, HoldsForTheSystemManager)
          .predict = [&](const LifecycleCase& system) { return Predict(system, surroundings); },
          .observe = [&](const LifecycleCase& system) { return stage.Observe(system); },
          .simplify = Simplify,
-         .missing = {"Failure: InvalidConfigException", "Unspecified failure", "State 1 true", "State 2 true",
+         .missing = {"by exception: InvalidConfigException", "by unspecified exception", "State 1 true", "State 2 true",
                      "State 3 true", "State 3 false", "The system is up", "PowerDown component"}},
         3000);
 }

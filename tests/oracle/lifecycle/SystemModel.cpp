@@ -29,13 +29,9 @@ LifecycleCase WithRealProcesses(LifecycleCase system)
 
 } // namespace
 
-std::string DescribeSetup(const std::optional<LifecycleModel::Failure>& failure)
+std::string DescribeSetup(const std::optional<ModelFailure>& failure)
 {
-    if (!failure)
-    {
-        return "The system is up";
-    }
-    return failure->isUnspecified ? "Unspecified failure" : "Failure: " + failure->text;
+    return failure ? "Set-up ends by " + DescribeFailure(*failure) : "The system is up";
 }
 
 SystemModel::SystemModel(const LifecycleCase& system, const Surroundings& surroundings)
@@ -44,7 +40,7 @@ SystemModel::SystemModel(const LifecycleCase& system, const Surroundings& surrou
 {
 }
 
-std::optional<LifecycleModel::Failure> SystemModel::Setup()
+std::optional<ModelFailure> SystemModel::Setup()
 {
     try
     {
@@ -66,7 +62,7 @@ std::optional<LifecycleModel::Failure> SystemModel::Setup()
         }
         Announce(3, hasError);
     }
-    catch (const LifecycleModel::Failure& failure)
+    catch (const ModelFailure& failure)
     {
         return failure;
     }

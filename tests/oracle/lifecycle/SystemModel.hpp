@@ -20,7 +20,7 @@ public:
     SystemModel(const LifecycleCase& system, const Surroundings& surroundings);
 
     /// Answers what went wrong; empty when the system is up.
-    std::optional<LifecycleModel::Failure> Setup();
+    std::optional<ModelFailure> Setup();
     void Dispose();
 
     LifecycleModel lifecycle;
@@ -35,6 +35,6 @@ private:
 };
 
 /// What became of a set-up.
-std::string DescribeSetup(const std::optional<LifecycleModel::Failure>& failure);
+std::string DescribeSetup(const std::optional<ModelFailure>& failure);
 
 } // namespace Vela::Testing
