@@ -98,9 +98,10 @@ TEST_F(LoggingTest, WritesOneLineWithAllThatIsKnown)
 TEST_F(LoggingTest, KeepsATextOfSeveralLinesTogether)
 {
     LogManager::CreateInstance(LogLevel::Info, file);
-    Plant::Reporter::GetLog().Write(LogLevel::Error, "one\r\n2024-08-01 two\n\nfour\n");
+    Plant::Reporter::GetLog().Write(LogLevel::Error, "one\r\n2024-08-01 \x1b[2Jtwo\n\nfour\n");
     const String text = directory.Read("deep/test.log");
-    EXPECT_EQ(text.substr(text.find(" Error ")), " Error Plant.Reporter: one\n    2024-08-01 two\n    \n    four\n");
+    EXPECT_EQ(text.substr(text.find(" Error ")),
+              " Error Plant.Reporter: one\n    2024-08-01 \\x1B[2Jtwo\n    \n    four\n");
 }
 
 TEST_F(LoggingTest, WritesWhatTheLevelOfTheLongestPrefixAllows)

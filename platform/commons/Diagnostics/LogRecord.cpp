@@ -2,6 +2,7 @@
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
+#include <Vela/System/Commons/PlainText.hpp>
 
 #include <Diagnostics/LogRecord.hpp>
 #include <fmt/format.h>
@@ -22,20 +23,21 @@ void AppendIndented(String& line, std::string_view text)
     {
         text.remove_suffix(1);
     }
-    for (const char character : text)
+    for (;;)
     {
-        if (character == '\n')
+        const std::size_t end = text.find('\n');
+        std::string_view part = text.substr(0, end);
+        if (part.ends_with('\r'))
         {
-            if (line.ends_with('\r'))
-            {
-                line.pop_back();
-            }
-            line += "\n    ";
+            part.remove_suffix(1);
         }
-        else
+        line += MakePlainText(part);
+        if (end == std::string_view::npos)
         {
-            line += character;
+            return;
         }
+        line += "\n    ";
+        text.remove_prefix(end + 1);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <Vela/AppDomain.hpp>
 #include <Vela/Singleton.hpp>
+#include <Vela/System/Commons/PlainText.hpp>
 #include <Vela/System/Rsc/RscCaller.hpp>
 
 #include <fmt/format.h>
@@ -42,7 +43,10 @@ RscCaller RscCaller::GetCurrent()
 
 String RscCaller::ToString() const
 {
-    return fmt::format("process '{}' (pid {}, uid {})", processName, processId, userId);
+    // The name is the caller's own choice.
+    constexpr std::size_t maxNameSize = 128;
+    return fmt::format("process '{}' (pid {}, uid {})", Commons::MakePlainText(processName, maxNameSize), processId,
+                       userId);
 }
 
 } // namespace Vela::System::Rsc
