@@ -5,6 +5,7 @@ find_package(EXPAT REQUIRED)
 find_package(Boost 1.74 REQUIRED COMPONENTS program_options filesystem)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(Safec REQUIRED IMPORTED_TARGET libsafec)
+pkg_check_modules(Nettle REQUIRED IMPORTED_TARGET nettle)
 
 if(VELA_BUILD_TESTS)
   find_package(GTest REQUIRED)

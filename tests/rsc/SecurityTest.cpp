@@ -1,6 +1,6 @@
 #include "RawClient.hpp"
 #include "RscFixture.hpp"
-#include "Security/SipHash.hpp"
+#include "Transport/Messages.hpp"
 
 #include <Vela/Exceptions.hpp>
 
@@ -177,7 +177,7 @@ TEST_F(SecuredService, TakesTcpClientsThatKnowTheSecretOnly)
 
     RawClient guessing(port);
     guessing.Receive();
-    guessing.SendFrame(RawClient::proof, 0, MakeRawPayload(std::uint64_t{1}, std::uint64_t{2}));
+    guessing.SendFrame(RawClient::proof, 0, MakePayload(ClientProofMessage{}));
     const auto answer = guessing.Receive();
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->kind, RawClient::refusal);
@@ -200,20 +200,6 @@ TEST_F(SecuredService, TakesTheGatewayPortFromTheEnvironmentInTheMainProcess)
     EXPECT_THROW(RscManager::CreateInstance(ownName, -1, RscManagerOptions(), true), InvalidOperationException);
     Commons::Environment::SetVariable(RscManager::gatewayPortVariable, "");
     EXPECT_EQ(RscManager::CreateInstance(ownName, -1, RscManagerOptions(), true).GetPort(), 0);
-}
-
-TEST(SipHash, AgreesWithItsPublishedVectors)
-{
-    std::array<std::byte, 16> key{};
-    std::array<std::byte, 15> message{};
-    for (std::size_t i = 0; i < key.size(); ++i)
-    {
-        key.at(i) = static_cast<std::byte>(i);
-    }
-    std::copy_n(key.begin(), message.size(), message.begin());
-    EXPECT_EQ(SipHash(key, {}), 0x726fdb47dd0e0e31U);
-    EXPECT_EQ(SipHash(key, std::span(message).first(8)), 0x93f5f5799a932462U);
-    EXPECT_EQ(SipHash(key, message), 0xa129ca6149be45e5U);
 }
 
 } // namespace Vela::System::Rsc::Testing

@@ -73,7 +73,7 @@ std::optional<Connection> Connector::Connect(const EndpointAddress& address, Clo
     if (address.port != 0)
     {
         WaitForAnswer(channel, deadline, wakeDescriptors);
-        Secret::Open(*directory).AuthenticateServer(channel, options.callTimeout);
+        Secret::Open(*directory).AuthenticateServer(channel, address.port, options.callTimeout);
     }
     WriteRemote(channel.BeginFrame(maxControlPayload), HelloMessage{processName});
     try
@@ -90,7 +90,7 @@ std::optional<Connection> Connector::Connect(const EndpointAddress& address, Clo
     }
     WaitForAnswer(channel, deadline, wakeDescriptors);
     const Frame frame =
-        ReceiveOwed(channel, FrameKind::Welcome, connection.lastRequest, maxControlPayload, options.callTimeout);
+        channel.ReceiveOwed(FrameKind::Welcome, connection.lastRequest, maxControlPayload, options.callTimeout);
     RemotingReader reader(frame.payload);
     ReadRemote(reader, connection.welcome);
     reader.ReadEnd();
@@ -108,7 +108,7 @@ std::optional<ServiceNumbers> Connector::Open(Connection& connection, const Serv
     channel.Send(FrameKind::Open, ++connection.lastRequest);
     WaitForAnswer(channel, deadline + minAnswerTime, wakeDescriptors);
     const Frame frame =
-        ReceiveOwed(channel, FrameKind::Response, connection.lastRequest, options.maxResponseSize, options.callTimeout);
+        channel.ReceiveOwed(FrameKind::Response, connection.lastRequest, options.maxResponseSize, options.callTimeout);
     RemotingReader reader(frame.payload);
     if (reader.ReadConfirmation())
     {
@@ -123,24 +123,6 @@ std::optional<ServiceNumbers> Connector::Open(Connection& connection, const Serv
     ReadRemote(reader, opened);
     reader.ReadEnd();
     return ServiceNumbers{opened.serviceNumber, opened.serviceGeneration};
-}
-
-Frame ReceiveOwed(FrameChannel& channel, FrameKind kind, std::uint32_t requestNumber, std::size_t maxPayload,
-                  std::chrono::milliseconds timeout)
-{
-    const Frame frame = channel.Receive(maxPayload, timeout);
-    if (frame.kind == FrameKind::Refusal)
-    {
-        RemotingReader reader(frame.payload);
-        String reason;
-        ReadRemote(reader, reason);
-        throw TransportException(TransportFailure::Refused, fmt::format("refused: {}", reason));
-    }
-    if (frame.kind != kind || frame.requestNumber != requestNumber)
-    {
-        throw TransportException(TransportFailure::Malformed, "malformed frame: not the answer to the request");
-    }
-    return frame;
 }
 
 } // namespace Vela::System::Rsc

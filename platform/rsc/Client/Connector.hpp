@@ -69,9 +69,4 @@ private:
     const String processName;
 };
 
-/// Receives a frame of a kind that the server owes. The text of a refusal becomes the exception's.
-/// @throws TransportException
-Frame ReceiveOwed(FrameChannel& channel, FrameKind kind, std::uint32_t requestNumber, std::size_t maxPayload,
-                  std::chrono::milliseconds timeout);
-
 } // namespace Vela::System::Rsc

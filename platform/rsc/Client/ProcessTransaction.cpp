@@ -59,8 +59,8 @@ RemotingReader& ProcessTransaction::BeginServiceInvocationResponse()
     try
     {
         const auto timeout = call.operation.deadline == CallDeadline::None ? 0ms : client->GetOptions().callTimeout;
-        const Frame frame = ReceiveOwed(*taken.connection->channel, FrameKind::Response, taken.connection->lastRequest,
-                                        client->GetOptions().maxResponseSize, timeout);
+        const Frame frame = taken.connection->channel->ReceiveOwed(FrameKind::Response, taken.connection->lastRequest,
+                                                                   client->GetOptions().maxResponseSize, timeout);
         reader.emplace(frame.payload);
         isInSync = true;
         if (reader->ReadConfirmation())

@@ -1,10 +1,10 @@
 #include "Security/Secret.hpp"
 
-#include "Security/SipHash.hpp"
 #include "Transport/EndpointName.hpp"
 #include "Transport/FrameChannel.hpp"
 #include "Transport/Messages.hpp"
 #include "Transport/RuntimeDirectory.hpp"
+#include "Transport/Socket.hpp"
 #include "Transport/TransportException.hpp"
 
 #include <Vela/System/Commons/SystemError.hpp>
@@ -14,6 +14,8 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <nettle/hmac.h>
+#include <nettle/memops.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,8 +28,9 @@ namespace Vela::System::Rsc
 namespace
 {
 
-constexpr std::uint64_t serverRole = 1;
-constexpr std::uint64_t clientRole = 2;
+/// Each side proves something else, so that neither can send the other's proof back.
+constexpr std::string_view clientLabel = "client";
+constexpr std::string_view serverLabel = "server";
 
 template <typename T>
 T DrawRandom()
@@ -40,26 +43,21 @@ T DrawRandom()
     return value;
 }
 
-void SendNumbers(FrameChannel& channel, FrameKind kind, std::uint64_t first, std::uint64_t second)
+template <typename Message>
+void SendMessage(FrameChannel& channel, FrameKind kind, const Message& message)
 {
-    RemotingWriter& writer = channel.BeginFrame(maxControlPayload);
-    writer.WriteRaw(first);
-    writer.WriteRaw(second);
+    WriteRemote(channel.BeginFrame(maxControlPayload), message);
     channel.Send(kind, 0);
 }
 
-std::array<std::uint64_t, 2> ReceiveNumbers(FrameChannel& channel, FrameKind kind, std::chrono::milliseconds timeout)
+template <typename Message>
+Message ReadMessage(const Frame& frame)
 {
-    const Frame frame = channel.Receive(maxControlPayload, timeout);
-    if (frame.kind != kind)
-    {
-        throw TransportException(TransportFailure::Refused, "no proof of the system's secret");
-    }
+    Message message;
     RemotingReader reader(frame.payload);
-    const auto first = reader.ReadRaw<std::uint64_t>();
-    const auto second = reader.ReadRaw<std::uint64_t>();
+    ReadRemote(reader, message);
     reader.ReadEnd();
-    return {first, second};
+    return message;
 }
 
 } // namespace
@@ -114,35 +112,57 @@ Secret Secret::Open(const RuntimeDirectory& directory)
 
 void Secret::AuthenticateClient(FrameChannel& channel, std::chrono::milliseconds timeout) const
 {
-    const auto serverNumber = DrawRandom<std::uint64_t>();
-    SendNumbers(channel, FrameKind::Challenge, serverNumber, 0);
-    const auto [clientNumber, proof] = ReceiveNumbers(channel, FrameKind::Proof, timeout);
-    if (proof != Prove(clientRole, serverNumber, clientNumber))
+    Handshake handshake{GetSocketPort(channel.GetDescriptor()), DrawRandom<Nonce>(), {}};
+    SendMessage(channel, FrameKind::Challenge, ChallengeMessage{handshake.serverNonce});
+    const Frame frame = channel.Receive(maxControlPayload, timeout);
+    if (frame.kind != FrameKind::Proof)
+    {
+        throw TransportException(TransportFailure::Refused, "no proof of the system's secret");
+    }
+    const auto answer = ReadMessage<ClientProofMessage>(frame);
+    handshake.clientNonce = answer.clientNonce;
+    if (!IsProof(answer.proof, clientLabel, handshake))
     {
         channel.SendText(FrameKind::Refusal, 0, "wrong proof of the system's secret");
         throw TransportException(TransportFailure::Refused, "wrong proof of the system's secret");
     }
-    SendNumbers(channel, FrameKind::Proof, Prove(serverRole, serverNumber, clientNumber), 0);
+    SendMessage(channel, FrameKind::Proof, ServerProofMessage{Prove(serverLabel, handshake)});
 }
 
-void Secret::AuthenticateServer(FrameChannel& channel, std::chrono::milliseconds timeout) const
+void Secret::AuthenticateServer(FrameChannel& channel, std::uint16_t port, std::chrono::milliseconds timeout) const
 {
-    const auto serverNumber = ReceiveNumbers(channel, FrameKind::Challenge, timeout)[0];
-    const auto clientNumber = DrawRandom<std::uint64_t>();
-    SendNumbers(channel, FrameKind::Proof, clientNumber, Prove(clientRole, serverNumber, clientNumber));
-    if (ReceiveNumbers(channel, FrameKind::Proof, timeout)[0] != Prove(serverRole, serverNumber, clientNumber))
+    const auto challenge =
+        ReadMessage<ChallengeMessage>(channel.ReceiveOwed(FrameKind::Challenge, 0, maxControlPayload, timeout));
+    const Handshake handshake{port, challenge.serverNonce, DrawRandom<Nonce>()};
+    SendMessage(channel, FrameKind::Proof, ClientProofMessage{handshake.clientNonce, Prove(clientLabel, handshake)});
+    const auto answer =
+        ReadMessage<ServerProofMessage>(channel.ReceiveOwed(FrameKind::Proof, 0, maxControlPayload, timeout));
+    if (!IsProof(answer.proof, serverLabel, handshake))
     {
         throw TransportException(TransportFailure::Refused, "the server does not know the system's secret");
     }
 }
 
-std::uint64_t Secret::Prove(std::uint64_t role, std::uint64_t serverNumber, std::uint64_t clientNumber) const
+Proof Secret::Prove(std::string_view label, const Handshake& handshake) const
 {
-    RemotingWriter message(64);
-    message.WriteRaw(role);
-    message.WriteRaw(serverNumber);
-    message.WriteRaw(clientNumber);
-    return SipHash(key, message.GetData());
+    const std::array<std::uint8_t, 2> port{static_cast<std::uint8_t>(handshake.port & 0xffU),
+                                           static_cast<std::uint8_t>(handshake.port >> 8U)};
+    hmac_sha256_ctx context;
+    ::hmac_sha256_set_key(&context, key.size(), key.data());
+    ::hmac_sha256_update(&context, label.size(), reinterpret_cast<const std::uint8_t*>(label.data()));
+    ::hmac_sha256_update(&context, port.size(), port.data());
+    ::hmac_sha256_update(&context, handshake.serverNonce.size(), handshake.serverNonce.data());
+    ::hmac_sha256_update(&context, handshake.clientNonce.size(), handshake.clientNonce.data());
+    Proof proof{};
+    ::hmac_sha256_digest(&context, proof.size(), proof.data());
+    return proof;
+}
+
+bool Secret::IsProof(const Proof& proof, std::string_view label, const Handshake& handshake) const
+{
+    const Proof expected = Prove(label, handshake);
+    // Takes the same time wherever the two differ.
+    return ::memeql_sec(proof.data(), expected.data(), expected.size()) != 0;
 }
 
 } // namespace Vela::System::Rsc

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Transport/Messages.hpp"
+
 #include <array>
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace Vela::System::Rsc
 {
@@ -12,8 +14,8 @@ class FrameChannel;
 class RuntimeDirectory;
 
 /// What a client of a TCP endpoint proves to know: a random key in a file of the runtime directory that only the
-/// system's user can read. Both sides prove it, each for a number that the other one has just drawn, so neither the key
-/// nor an answer that could be used again goes over the wire.
+/// system's user can read. Both sides prove it, each for a number that the other one has just drawn and for the port,
+/// so neither the key nor an answer that could be used again, or passed on to another endpoint, goes over the wire.
 class Secret
 {
 public:
@@ -27,13 +29,24 @@ public:
     /// @throws TransportException
     void AuthenticateClient(FrameChannel& channel, std::chrono::milliseconds timeout) const;
     /// The client's side.
+    /// @param port  the one that it connected to
     /// @throws TransportException
-    void AuthenticateServer(FrameChannel& channel, std::chrono::milliseconds timeout) const;
+    void AuthenticateServer(FrameChannel& channel, std::uint16_t port, std::chrono::milliseconds timeout) const;
 
 private:
-    using Key = std::array<std::byte, 16>;
+    using Key = std::array<std::uint8_t, 32>;
+
+    /// What a proof is about.
+    struct Handshake
+    {
+        std::uint16_t port;
+        Nonce serverNonce;
+        Nonce clientNonce;
+    };
+
     explicit Secret(const Key& secretKey);
-    [[nodiscard]] std::uint64_t Prove(std::uint64_t role, std::uint64_t serverNumber, std::uint64_t clientNumber) const;
+    [[nodiscard]] Proof Prove(std::string_view label, const Handshake& handshake) const;
+    [[nodiscard]] bool IsProof(const Proof& proof, std::string_view label, const Handshake& handshake) const;
 
     Key key;
 };

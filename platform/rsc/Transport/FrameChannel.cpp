@@ -4,13 +4,18 @@
 #include "Transport/TransportException.hpp"
 
 #include <Vela/System/Commons/SystemError.hpp>
+#include <Vela/System/Rsc/Marshaling.hpp>
 #include <Vela/System/Rsc/RscTypeCode.hpp>
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <limits>
+#include <optional>
 #include <utility>
 
 namespace Vela::System::Rsc
@@ -89,6 +94,24 @@ Frame FrameChannel::Receive(std::size_t maxPayload, std::chrono::milliseconds ti
 Frame FrameChannel::ReceiveWhenever(std::size_t maxPayload, std::chrono::milliseconds timeout)
 {
     return ReceiveFrame(maxPayload, 0ms, timeout);
+}
+
+Frame FrameChannel::ReceiveOwed(FrameKind kind, std::uint32_t requestNumber, std::size_t maxPayload,
+                                std::chrono::milliseconds timeout)
+{
+    const Frame frame = Receive(maxPayload, timeout);
+    if (frame.kind == FrameKind::Refusal)
+    {
+        RemotingReader reader(frame.payload);
+        String reason;
+        ReadRemote(reader, reason);
+        throw TransportException(TransportFailure::Refused, fmt::format("refused: {}", reason));
+    }
+    if (frame.kind != kind || frame.requestNumber != requestNumber)
+    {
+        throw TransportException(TransportFailure::Malformed, "malformed frame: not the answer to the request");
+    }
+    return frame;
 }
 
 Frame FrameChannel::ReceiveFrame(std::size_t maxPayload, std::chrono::milliseconds firstTimeout,

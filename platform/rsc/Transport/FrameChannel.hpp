@@ -36,6 +36,9 @@ public:
     Frame Receive(std::size_t maxPayload, std::chrono::milliseconds timeout);
     /// The same, waiting without limit for the frame to begin and then up to `timeout` for its rest.
     Frame ReceiveWhenever(std::size_t maxPayload, std::chrono::milliseconds timeout);
+    /// Receives the frame that the server owes. The text of a refusal becomes the exception's.
+    Frame ReceiveOwed(FrameKind kind, std::uint32_t requestNumber, std::size_t maxPayload,
+                      std::chrono::milliseconds timeout);
 
     /// Ends every send and receive, present and future. Thread-safe.
     void Abort() noexcept;

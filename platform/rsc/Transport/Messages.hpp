@@ -3,12 +3,37 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Rsc/Marshaling.hpp>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
 
 namespace Vela::System::Rsc
 {
+
+/// Drawn anew for each connection, so that a proof is of no use twice.
+using Nonce = std::array<std::uint8_t, 16>;
+/// HMAC-SHA256.
+using Proof = std::array<std::uint8_t, 32>;
+
+/// What a TCP endpoint says first.
+struct ChallengeMessage
+{
+    Nonce serverNonce{};
+};
+
+/// What the client answers.
+struct ClientProofMessage
+{
+    Nonce clientNonce{};
+    Proof proof{};
+};
+
+/// What the server proves in turn.
+struct ServerProofMessage
+{
+    Proof proof{};
+};
 
 /// What a client says first: who it is.
 struct HelloMessage
@@ -43,6 +68,24 @@ struct OpenedMessage
 
 /// Bound for all frames but calls and their responses.
 inline constexpr std::size_t maxControlPayload = 65536;
+
+template <>
+struct StructFields<ChallengeMessage>
+{
+    static constexpr auto fields = std::tuple(&ChallengeMessage::serverNonce);
+};
+
+template <>
+struct StructFields<ClientProofMessage>
+{
+    static constexpr auto fields = std::tuple(&ClientProofMessage::clientNonce, &ClientProofMessage::proof);
+};
+
+template <>
+struct StructFields<ServerProofMessage>
+{
+    static constexpr auto fields = std::tuple(&ServerProofMessage::proof);
+};
 
 template <>
 struct StructFields<HelloMessage>
