@@ -12,6 +12,7 @@
 #include <Transport/Messages.hpp>
 #include <Transport/RuntimeDirectory.hpp>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -220,9 +221,8 @@ void Run(std::string_view input)
                 static_cast<ssize_t>(stream.size()),
             "the stream fits the socket");
     ::shutdown(connection.client.Get(), SHUT_WR);
-    ServerConnection(server, std::move(connection.server),
-                     isTcp ? ServerConnection::Kind::Tcp : ServerConnection::Kind::Unix)
-        .Serve();
+    const auto peer = isTcp ? ConnectionPeer::MakeTcp() : ConnectionPeer::MakeUnix({::geteuid(), ::getpid()});
+    ServerConnection(server, std::move(connection.server), peer, {::geteuid(), ::getpid(), {}}).Serve();
 
     const String received = ReceiveAll(connection.client);
     const auto answers = ReadFrames(AsBytes(received));

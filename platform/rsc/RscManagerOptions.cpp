@@ -24,7 +24,9 @@ namespace
 ///
 ///     <RscSettingsDocument>
 ///       <Limits maxRequestSize="1048576" maxResponseSize="16777216" maxConnections="128"
-///       maxConnectionsPerProcess="16"/> <Timeouts call="10s" connect="3s" close="2s"/> <Services>
+///         maxConnectionsPerProcess="16"/>
+///       <Timeouts call="10s" connect="3s" close="2s" frame="5s"/>
+///       <Services>
 ///         <Service name="Plant.ITankService" security="true"/>
 ///       </Services>
 ///     </RscSettingsDocument>
@@ -55,6 +57,7 @@ public:
                 ReadTime(reader, "call", options.callTimeout);
                 ReadTime(reader, "connect", options.connectTimeout);
                 ReadTime(reader, "close", options.closeTimeout);
+                ReadTime(reader, "frame", options.frameTimeout);
             }
             else if (name == "Services")
             {

@@ -116,6 +116,19 @@ std::optional<RawClient::Frame> RawClient::Receive()
     return ReceiveBytes(frame.payload) ? std::optional(frame) : std::nullopt;
 }
 
+bool RawClient::ReceiveSome(std::size_t size)
+{
+    std::vector<std::byte> bytes(size);
+    return ::recv(socket.Get(), bytes.data(), bytes.size(), 0) > 0;
+}
+
+String RawClient::ReceiveRefusal()
+{
+    const auto frame = Receive();
+    return frame && frame->kind == refusal ? RemotingReader(frame->payload).ReadStringInternal(1000, utf8Encoding, true)
+                                           : String();
+}
+
 bool RawClient::IsClosed()
 {
     while (Receive())
@@ -150,6 +163,15 @@ std::vector<std::byte> RawClient::OpenTestService()
     reader.ReadBeginStruct(2);
     const auto number = reader.ReadValue<std::uint16_t>();
     return MakeRawPayload(number, reader.ReadValue<std::uint16_t>());
+}
+
+std::vector<std::byte> RawClient::MakeCall(std::uint16_t operation, const std::vector<std::byte>& arguments)
+{
+    std::vector<std::byte> payload = OpenTestService();
+    const auto number = MakeRawPayload(operation);
+    payload.insert(payload.end(), number.begin(), number.end());
+    payload.insert(payload.end(), arguments.begin(), arguments.end());
+    return payload;
 }
 
 } // namespace Vela::System::Rsc::Testing

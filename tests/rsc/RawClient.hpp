@@ -46,6 +46,10 @@ public:
     void SendFrame(std::uint8_t kind, std::uint32_t requestNumber, const std::vector<std::byte>& payload);
     /// The next frame; nothing when the other side has closed.
     std::optional<Frame> Receive();
+    /// Takes up to that many bytes, whatever they are; false when the other side has closed.
+    bool ReceiveSome(std::size_t size);
+    /// The text of the refusal that comes next; empty when something else comes.
+    String ReceiveRefusal();
     /// Whether the other side has closed, what it still had to say left aside.
     bool IsClosed();
     /// No more bytes will come.
@@ -55,6 +59,8 @@ public:
     bool Introduce();
     /// The two numbers of this process's test service.
     std::vector<std::byte> OpenTestService();
+    /// A call of the test service as bytes; opens the service.
+    std::vector<std::byte> MakeCall(std::uint16_t operation, const std::vector<std::byte>& arguments = {});
 
     static std::vector<std::byte> MakeHeader(std::uint8_t kind, std::uint32_t requestNumber, std::uint32_t length);
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
@@ -148,6 +149,16 @@ std::size_t RscFixture::CountDescriptors()
 std::size_t RscFixture::CountThreads()
 {
     return CountEntries("/proc/self/task");
+}
+
+void RscFixture::Await(const std::function<bool()>& condition)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!condition())
+    {
+        ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+        std::this_thread::yield();
+    }
 }
 
 } // namespace Vela::System::Rsc::Testing

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -80,6 +81,8 @@ protected:
     [[nodiscard]] std::vector<std::string> ListFiles() const;
     [[nodiscard]] static std::size_t CountDescriptors();
     [[nodiscard]] static std::size_t CountThreads();
+    /// Waits for something that is about to happen.
+    static void Await(const std::function<bool()>& condition);
 
     static constexpr const char* ownName = "Tester";
 

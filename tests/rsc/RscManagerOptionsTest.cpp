@@ -16,7 +16,7 @@ TEST(RscManagerOptions, AreReadFromAFile)
     const Vela::Testing::TemporaryDirectory directory;
     const auto options = RscManagerOptions::Load(directory.Write("Rsc.settings", R"(<RscSettingsDocument>
         <Limits maxRequestSize="4096" maxResponseSize="131072" maxConnections="7" maxConnectionsPerProcess="5"/>
-        <Timeouts call="1500ms" connect="2s" close="250"/>
+        <Timeouts call="1500ms" connect="2s" close="250" frame="4s"/>
         <Services><Service name="A" security="true"/><Service name="B" security="false"/></Services>
         </RscSettingsDocument>)"));
     EXPECT_EQ(options.maxRequestSize, 4096U);
@@ -26,6 +26,7 @@ TEST(RscManagerOptions, AreReadFromAFile)
     EXPECT_EQ(options.callTimeout, 1500ms);
     EXPECT_EQ(options.connectTimeout, 2s);
     EXPECT_EQ(options.closeTimeout, 250ms);
+    EXPECT_EQ(options.frameTimeout, 4s);
     EXPECT_EQ(options.serviceSecurity, (std::map<String, bool>{{"A", true}, {"B", false}}));
 }
 

@@ -6,12 +6,15 @@
 #include <Vela/System/Commons/SystemError.hpp>
 #include <Vela/System/Commons/Threading/Thread.hpp>
 
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <functional>
 #include <utility>
 
 namespace Vela::System::Rsc
@@ -24,6 +27,8 @@ namespace
 
 /// How long the endpoint rests when the system has no descriptors or threads left.
 constexpr int exhaustionPause = 100;
+/// In this part of the time that it is given, a client that means it has introduced itself.
+constexpr int honestHandshakePart = 20;
 
 } // namespace
 
@@ -103,16 +108,16 @@ void Endpoint::AcceptLoop()
         JoinFinished();
         if (descriptors[1].revents != 0)
         {
-            Accept(unixListener.Get(), ServerConnection::Kind::Unix);
+            Accept(unixListener.Get(), Transport::Unix);
         }
         if (descriptors[2].revents != 0)
         {
-            Accept(tcpListener.Get(), ServerConnection::Kind::Tcp);
+            Accept(tcpListener.Get(), Transport::Tcp);
         }
     }
 }
 
-void Endpoint::Accept(int listener, ServerConnection::Kind kind)
+void Endpoint::Accept(int listener, Transport transport)
 {
     Commons::UniqueFd socket(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
     if (!socket.IsValid())
@@ -127,43 +132,128 @@ void Endpoint::Accept(int listener, ServerConnection::Kind kind)
     }
     try
     {
-        if (workers.size() >= server->options.maxConnections)
+        RscCaller caller;
+        auto peer = ConnectionPeer::MakeTcp();
+        if (transport == Transport::Unix)
         {
-            log.Warning("Refused a connection: {0} connections are open.", workers.size());
+            const PeerCredentials credentials = GetPeerCredentials(socket.Get());
+            caller.userId = credentials.userId;
+            caller.processId = credentials.processId;
+            peer = ConnectionPeer::MakeUnix(credentials);
+        }
+        String limit = FindExceededLimit(peer);
+        if (!limit.empty() && EndOldestHandshake(peer))
+        {
+            limit = FindExceededLimit(peer);
+        }
+        if (!limit.empty())
+        {
+            server->peerLog->Warn(peer, fmt::format("Refused a connection of {}: {}.", peer.ToString(), limit));
             FrameChannel(std::move(socket), 1ms).SendText(FrameKind::Refusal, 0, "too many connections are open");
             return;
         }
-        auto connection = std::make_shared<ServerConnection>(server, std::move(socket), kind);
-        const std::size_t id = nextWorker++;
-        Worker& worker = workers[id];
-        worker.connection = connection;
-        {
-            const std::lock_guard lock(board->mutex);
-            ++board->running;
-        }
-        try
-        {
-            worker.thread = std::thread(
-                [connection, sharedBoard = board, id]
-                {
-                    Commons::Threading::Thread::SetCurrentName("rsc-server");
-                    connection->Serve();
-                    sharedBoard->ReportEnd(id);
-                });
-        }
-        catch (...)
-        {
-            workers.erase(id);
-            const std::lock_guard lock(board->mutex);
-            --board->running;
-            throw;
-        }
+        Serve(std::move(socket), peer, std::move(caller));
+    }
+    catch (const TransportException&)
+    {
+        // The client does not wait for what it is told.
     }
     catch (...)
     {
         const auto failure = CaughtException::Current();
         log.Warning("Cannot serve a connection: {0}", failure.GetText());
     }
+}
+
+void Endpoint::Serve(Commons::UniqueFd socket, const ConnectionPeer& peer, RscCaller caller)
+{
+    auto connection = std::make_shared<ServerConnection>(server, std::move(socket), peer, std::move(caller));
+    const std::size_t id = nextWorker++;
+    Worker& worker = workers[id];
+    worker.connection = connection;
+    worker.begin = Clock::now();
+    {
+        const std::lock_guard lock(board->mutex);
+        ++board->running;
+    }
+    try
+    {
+        worker.thread = std::thread(
+            [connection, sharedBoard = board, id]
+            {
+                Commons::Threading::Thread::SetCurrentName("rsc-server");
+                connection->Serve();
+                sharedBoard->ReportEnd(id);
+            });
+    }
+    catch (...)
+    {
+        workers.erase(id);
+        const std::lock_guard lock(board->mutex);
+        --board->running;
+        throw;
+    }
+}
+
+template <typename Predicate>
+std::size_t Endpoint::CountConnections(Predicate&& counts) const
+{
+    return static_cast<std::size_t>(std::count_if(workers.begin(), workers.end(),
+                                                  [&counts](const auto& entry) {
+                                                      return !entry.second.isGivenUp &&
+                                                             counts(entry.second.connection->GetPeer());
+                                                  }));
+}
+
+/// What stands against one more connection of a peer; empty: nothing.
+String Endpoint::FindExceededLimit(const ConnectionPeer& peer) const
+{
+    const std::size_t limit = server->options.maxConnections;
+    const std::size_t peerLimit = 2 * server->options.maxConnectionsPerProcess;
+    if (CountConnections([&peer](const ConnectionPeer& other) { return other == peer; }) >= peerLimit)
+    {
+        return fmt::format("{} of its connections are open, which is the limit", peerLimit);
+    }
+    const auto isOwn = [](const ConnectionPeer& other)
+    {
+        return other.GetKind() == ConnectionPeer::Kind::OwnProcess;
+    };
+    // Whatever strangers do, the system's own processes reach each other.
+    const std::size_t strangersLimit = std::max<std::size_t>(1, limit / 2);
+    if (!isOwn(peer) && CountConnections(std::not_fn(isOwn)) >= strangersLimit)
+    {
+        return fmt::format("{} connections of other users and of TCP clients are open, which is the limit",
+                           strangersLimit);
+    }
+    if (CountConnections([](const ConnectionPeer&) { return true; }) >= limit)
+    {
+        return fmt::format("{} connections are open, which is the limit", limit);
+    }
+    return {};
+}
+
+/// Clients that connect and then say nothing must not keep others out: the oldest of a peer's connections that is not
+/// introduced makes room, once it has had the time in which an honest client is through.
+bool Endpoint::EndOldestHandshake(const ConnectionPeer& peer)
+{
+    const auto latest = Clock::now() - server->options.frameTimeout / honestHandshakePart;
+    // Workers are in the order in which they began.
+    const auto oldest = std::find_if(workers.begin(), workers.end(),
+                                     [&](const auto& entry)
+                                     {
+                                         return !entry.second.isGivenUp && entry.second.begin <= latest &&
+                                                entry.second.connection->GetPeer() == peer &&
+                                                !entry.second.connection->IsIntroduced();
+                                     });
+    if (oldest == workers.end())
+    {
+        return false;
+    }
+    oldest->second.isGivenUp = true;
+    oldest->second.connection->Abort();
+    server->peerLog->Warn(peer,
+                          fmt::format("Gave up a connection of {} that was not introduced yet.", peer.ToString()));
+    return true;
 }
 
 void Endpoint::JoinFinished()

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -47,11 +48,25 @@ private:
     struct Worker
     {
         std::shared_ptr<ServerConnection> connection;
+        Clock::time_point begin;
+        /// Cut for the sake of others; its thread is about to end.
+        bool isGivenUp = false;
         std::thread thread;
     };
 
+    enum class Transport : std::uint8_t
+    {
+        Unix,
+        Tcp,
+    };
+
     void AcceptLoop();
-    void Accept(int listener, ServerConnection::Kind kind);
+    void Accept(int listener, Transport transport);
+    void Serve(Commons::UniqueFd socket, const ConnectionPeer& peer, RscCaller caller);
+    [[nodiscard]] String FindExceededLimit(const ConnectionPeer& peer) const;
+    bool EndOldestHandshake(const ConnectionPeer& peer);
+    template <typename Predicate>
+    [[nodiscard]] std::size_t CountConnections(Predicate&& counts) const;
     void JoinFinished();
 
     const std::shared_ptr<const ServerData> server;

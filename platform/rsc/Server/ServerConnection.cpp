@@ -25,17 +25,17 @@ using namespace std::chrono_literals;
 namespace
 {
 
-/// Time for a client to introduce itself, for the rest of a frame that has begun, and for a client to take its answer.
-constexpr auto frameTimeout = 5s;
 constexpr auto maxOpenWait = 60s;
 
 } // namespace
 
 ServerConnection::ServerConnection(std::shared_ptr<const ServerData> serverData, Commons::UniqueFd socket,
-                                   Kind socketKind)
+                                   const ConnectionPeer& connectionPeer, RscCaller knownCaller)
     : server(std::move(serverData))
-    , kind(socketKind)
-    , channel(std::move(socket), frameTimeout)
+    , peer(connectionPeer)
+    , channel(std::move(socket), server->options.frameTimeout)
+    , caller(std::move(knownCaller))
+    , isForeign(connectionPeer.GetKind() == ConnectionPeer::Kind::OtherUser)
 {
 }
 
@@ -49,32 +49,36 @@ void ServerConnection::Serve() noexcept
     }
     catch (const TransportException& exception)
     {
-        if (exception.GetFailure() != TransportFailure::Closed)
+        if (exception.GetFailure() == TransportFailure::TimedOut)
         {
-            log.Warning("Closed the connection of {0}: {1}", caller.ToString(), exception.GetMessage());
+            LogEnd(fmt::format("timed out: {} took longer than {} ms", awaited, server->options.frameTimeout.count()));
+        }
+        else if (exception.GetFailure() != TransportFailure::Closed)
+        {
+            LogEnd(exception.GetMessage());
         }
     }
     catch (...)
     {
         const auto failure = CaughtException::Current();
-        log.Warning("Closed the connection of {0}: malformed frame: {1}", caller.ToString(), failure.GetText());
+        LogEnd(fmt::format("malformed frame: {}", failure.GetText()));
     }
     channel.Abort();
 }
 
+void ServerConnection::LogEnd(const String& reason) const
+{
+    server->peerLog->Warn(peer, fmt::format("Closed the connection of {}: {}", caller.ToString(), reason));
+}
+
 void ServerConnection::Authenticate()
 {
-    if (kind == Kind::Tcp)
+    if (peer.GetKind() == ConnectionPeer::Kind::Tcp)
     {
+        server->secret->AuthenticateClient(channel, server->options.frameTimeout);
         // Whoever knows the secret can read the system user's files.
-        server->secret->AuthenticateClient(channel, frameTimeout);
         caller.userId = ::geteuid();
-        return;
     }
-    const PeerCredentials peer = GetPeerCredentials(channel.GetDescriptor());
-    caller.userId = peer.userId;
-    caller.processId = peer.processId;
-    isForeign = peer.userId != ::geteuid();
     if (isForeign && !server->accessControl->MayConnect(caller))
     {
         Refuse("the system belongs to another user");
@@ -83,7 +87,7 @@ void ServerConnection::Authenticate()
 
 void ServerConnection::Introduce()
 {
-    const Frame frame = channel.Receive(maxControlPayload, frameTimeout);
+    const Frame frame = channel.Receive(maxControlPayload, server->options.frameTimeout);
     if (frame.kind != FrameKind::Hello)
     {
         throw TransportException(TransportFailure::Malformed, "malformed frame: no introduction");
@@ -96,13 +100,15 @@ void ServerConnection::Introduce()
 
     WriteRemote(channel.BeginFrame(maxControlPayload), WelcomeMessage{server->processName, server->instanceId});
     channel.Send(FrameKind::Welcome, frame.requestNumber);
+    isIntroduced = true;
 }
 
 void ServerConnection::ServeCalls()
 {
     for (;;)
     {
-        const Frame request = channel.ReceiveWhenever(server->options.maxRequestSize, frameTimeout);
+        awaited = "a request that it had begun";
+        const Frame request = channel.ReceiveWhenever(server->options.maxRequestSize, server->options.frameTimeout);
         {
             const std::lock_guard lock(mutex);
             if (isClosing)
@@ -137,6 +143,7 @@ void ServerConnection::Answer(const Frame& request)
         throw TransportException(TransportFailure::Malformed,
                                  fmt::format("malformed frame: kind {} is no request", static_cast<int>(request.kind)));
     }
+    awaited = "an answer that it did not take";
     channel.Send(FrameKind::Response, request.requestNumber);
 }
 
@@ -165,7 +172,14 @@ void ServerConnection::AnswerOpen(const Frame& request)
     }
     catch (const InvalidOperationException&)
     {
-        context.FailRequest(CaughtException::Current());
+        const auto failure = CaughtException::Current();
+        if (isForeign)
+        {
+            // Which interface the service has is no concern of another user.
+            context.AbortRequest(RscErrorCode::UnknownService, nullptr);
+            return;
+        }
+        context.FailRequest(failure);
     }
 }
 

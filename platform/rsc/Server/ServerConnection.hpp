@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Server/ConnectionPeer.hpp"
+#include "Server/PeerLog.hpp"
 #include "Server/ServiceRegistry.hpp"
 #include "Transport/FrameChannel.hpp"
 
@@ -31,19 +33,16 @@ struct ServerData
     std::shared_ptr<const AccessControl> accessControl;
     /// Set when there is a TCP endpoint.
     std::shared_ptr<const Secret> secret;
+    const std::unique_ptr<PeerLog> peerLog = std::make_unique<PeerLog>();
 };
 
 /// Serves one client, call by call, on one thread.
 class ServerConnection : private Commons::Diagnostics::Loggable<ServerConnection>
 {
 public:
-    enum class Kind : std::uint8_t
-    {
-        Unix,
-        Tcp,
-    };
-
-    ServerConnection(std::shared_ptr<const ServerData> server, Commons::UniqueFd socket, Kind socketKind);
+    /// @param knownCaller  what the system tells of the caller; nothing of a TCP client
+    ServerConnection(std::shared_ptr<const ServerData> server, Commons::UniqueFd socket,
+                     const ConnectionPeer& connectionPeer, RscCaller knownCaller);
 
     /// The thread's work, until the client leaves, misbehaves or the connection is closed.
     void Serve() noexcept;
@@ -53,9 +52,21 @@ public:
     /// Ends the connection now; the answer of a call in progress is lost. Thread-safe.
     void Abort() noexcept;
 
+    /// Whether the client has proved and told who it is. Thread-safe.
+    [[nodiscard]] bool IsIntroduced() const noexcept
+    {
+        return isIntroduced;
+    }
+
+    [[nodiscard]] const ConnectionPeer& GetPeer() const noexcept
+    {
+        return peer;
+    }
+
 private:
     void Authenticate();
     void Introduce();
+    void LogEnd(const String& reason) const;
     void ServeCalls();
     void Answer(const Frame& request);
     void AnswerOpen(const Frame& request);
@@ -63,10 +74,13 @@ private:
     [[noreturn]] void Refuse(const String& reason);
 
     const std::shared_ptr<const ServerData> server;
-    const Kind kind;
+    const ConnectionPeer peer;
     FrameChannel channel;
     RscCaller caller;
-    bool isForeign = false;
+    const bool isForeign;
+    std::atomic<bool> isIntroduced = false;
+    /// What the client keeps the server waiting for, as far as there is a limit to it.
+    const char* awaited = "its introduction";
 
     std::mutex mutex;
     bool isBusy = false;

@@ -46,12 +46,12 @@ constexpr std::size_t keptBufferSize = 65536;
 
 } // namespace
 
-FrameChannel::FrameChannel(Commons::UniqueFd connectedSocket, std::chrono::milliseconds sendTimeout)
+FrameChannel::FrameChannel(Commons::UniqueFd connectedSocket, std::chrono::milliseconds maxSendTime)
     : socket(std::move(connectedSocket))
+    , sendTimeout(maxSendTime)
     , writer(0)
     , buffer(initialBufferSize)
 {
-    SetSocketTimeout(socket.Get(), SO_SNDTIMEO, sendTimeout);
 }
 
 RemotingWriter& FrameChannel::BeginFrame(std::size_t maxPayload)
@@ -67,15 +67,41 @@ void FrameChannel::Send(FrameKind kind, std::uint32_t requestNumber)
     const auto payloadLength = static_cast<std::uint32_t>(writer.GetData().size() - FrameHeader::size);
     writer.Patch(0, FrameHeader{kind, requestNumber, payloadLength}.Encode());
     auto rest = writer.GetData();
+    std::optional<Clock::time_point> sendDeadline;
     while (!rest.empty())
     {
-        const auto sent =
-            Commons::RetryInterrupted([&] { return ::send(socket.Get(), rest.data(), rest.size(), MSG_NOSIGNAL); });
-        if (sent < 0)
+        // A blocking send would wait anew for each part that the other side takes, however small.
+        const auto sent = Commons::RetryInterrupted(
+            [&] { return ::send(socket.Get(), rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT); });
+        if (sent >= 0)
+        {
+            rest = rest.subspan(static_cast<std::size_t>(sent));
+            continue;
+        }
+        if (errno != EAGAIN && errno != EWOULDBLOCK)
         {
             ThrowSocketError("send");
         }
-        rest = rest.subspan(static_cast<std::size_t>(sent));
+        if (!sendDeadline)
+        {
+            sendDeadline = sendTimeout > 0ms ? Clock::now() + sendTimeout : Clock::time_point::max();
+        }
+        AwaitRoom(*sendDeadline);
+    }
+}
+
+void FrameChannel::AwaitRoom(Clock::time_point sendDeadline) const
+{
+    int wait = -1;
+    if (sendDeadline != Clock::time_point::max())
+    {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(sendDeadline - Clock::now());
+        wait = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, std::numeric_limits<int>::max()));
+    }
+    pollfd room{socket.Get(), POLLOUT, 0};
+    if (Commons::RetryInterrupted([&] { return ::poll(&room, 1, wait); }) == 0)
+    {
+        throw TransportException(TransportFailure::TimedOut, "timed out");
     }
 }
 
@@ -194,7 +220,7 @@ void FrameChannel::SetReceiveTimeout(std::chrono::milliseconds timeout)
 {
     if (timeout != receiveTimeout)
     {
-        SetSocketTimeout(socket.Get(), SO_RCVTIMEO, timeout);
+        Rsc::SetReceiveTimeout(socket.Get(), timeout);
         receiveTimeout = timeout;
     }
 }

@@ -19,8 +19,8 @@ namespace Vela::System::Rsc
 class FrameChannel
 {
 public:
-    /// @param sendTimeout  how long a send may stand still before the connection is given up; 0: no limit
-    FrameChannel(Commons::UniqueFd socket, std::chrono::milliseconds sendTimeout);
+    /// @param maxSendTime  how long the other side may take to make room for one frame; 0: no limit
+    FrameChannel(Commons::UniqueFd socket, std::chrono::milliseconds maxSendTime);
 
     /// Begins a frame; the payload goes into the writer.
     RemotingWriter& BeginFrame(std::size_t maxPayload);
@@ -53,11 +53,13 @@ private:
 
     Frame ReceiveFrame(std::size_t maxPayload, std::chrono::milliseconds firstTimeout,
                        std::chrono::milliseconds restTimeout);
+    void AwaitRoom(Clock::time_point sendDeadline) const;
     void Fill(std::size_t wanted, std::size_t maxSize, std::chrono::milliseconds restTimeout);
     void ReceiveSome();
     void SetReceiveTimeout(std::chrono::milliseconds timeout);
 
     Commons::UniqueFd socket;
+    std::chrono::milliseconds sendTimeout;
     RemotingWriter writer;
     std::vector<std::byte> buffer;
     std::size_t begin = 0;

@@ -44,12 +44,12 @@ void DisableDelay(int socket)
 
 } // namespace
 
-void SetSocketTimeout(int socket, int option, std::chrono::milliseconds timeout)
+void SetReceiveTimeout(int socket, std::chrono::milliseconds timeout)
 {
     timeval time{};
     time.tv_sec = static_cast<decltype(time.tv_sec)>(timeout.count() / 1000);
     time.tv_usec = static_cast<decltype(time.tv_usec)>(timeout.count() % 1000 * 1000);
-    if (::setsockopt(socket, SOL_SOCKET, option, &time, sizeof(time)) != 0)
+    if (::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time)) != 0)
     {
         ThrowTransportError("setsockopt");
     }

@@ -18,9 +18,9 @@ struct PeerCredentials
     pid_t processId;
 };
 
-/// Sets SO_RCVTIMEO or SO_SNDTIMEO; 0: no limit.
+/// How long a receive waits; 0: no limit.
 /// @throws TransportException
-void SetSocketTimeout(int socket, int option, std::chrono::milliseconds timeout);
+void SetReceiveTimeout(int socket, std::chrono::milliseconds timeout);
 /// @throws TransportException
 PeerCredentials GetPeerCredentials(int socket);
 
