@@ -264,8 +264,9 @@ TEST_F(EndpointUnderAttack, KnowsTheServicesOfCallsThatOutliveIt)
 TEST_F(EndpointUnderAttack, LetsACallEndWhileItIsTakenDown)
 {
     std::promise<void> begun;
-    TestServiceImpl service("Tester", [&begun] { begun.set_value(); });
-    RscServiceFactory<ITestService> factory(service);
+    // The call's thread goes on by itself, and may be the last one to hold the service.
+    auto service = std::make_shared<TestServiceImpl>("Tester", [&begun] { begun.set_value(); });
+    RscServiceFactory<ITestService, TestServiceImpl> factory([service] { return service; });
     RscManagerOptions options;
     options.closeTimeout = 50ms;
     const std::size_t threads = CountThreads();
@@ -279,7 +280,7 @@ TEST_F(EndpointUnderAttack, LetsACallEndWhileItIsTakenDown)
     auto closing = std::async(std::launch::async, [] { return RscManager::DisposeInstance(); });
     // By then it has given the call up, but may not be gone itself.
     Await([] { return AppDomainSingleton<RscManager>::TryGetInstance() == nullptr; });
-    service.Release();
+    service->Release();
     EXPECT_FALSE(closing.get());
     Await([threads] { return CountThreads() == threads; });
 }
