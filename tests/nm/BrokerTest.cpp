@@ -172,6 +172,28 @@ TEST(NotificationBroker, GivesThePlaceOfAnIdleSubscriberAway)
     EXPECT_THROW((void)hasty.Fetch(second, 0), KeyNotFoundException);
 }
 
+TEST(NotificationBroker, AProcessThatOpensSessionsWithoutEndLosesItsOwn)
+{
+    NotificationLimits limits;
+    limits.maxSubscribers = 6;
+    NotificationBroker broker(limits);
+    const std::uint32_t first = broker.OpenSession("P");
+    std::uint32_t last = first;
+    for (int i = 0; i < 100; ++i)
+    {
+        last = broker.OpenSession("P");
+    }
+    EXPECT_THROW((void)broker.Fetch(first, 0), KeyNotFoundException);
+    EXPECT_NO_THROW((void)broker.Fetch(last, 0));
+    for (std::uint32_t i = 0; i < 1024; ++i)
+    {
+        broker.Subscribe(last, i, "A.b");
+    }
+    EXPECT_THROW(broker.Subscribe(last, 1024, "A.b"), InvalidOperationException);
+    const std::uint32_t other = broker.OpenSession("P");
+    EXPECT_NO_THROW(broker.Subscribe(other, 1024, "A.b"));
+}
+
 TEST(NotificationBroker, RefusesWhatNoSenderCouldHaveMade)
 {
     NotificationBroker broker{{}};

@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr std::uint32_t maxWaitMilliseconds = 60'000;
+constexpr std::size_t maxSessionsPerProcess = 4;
 
 } // namespace
 
@@ -55,12 +56,15 @@ std::uint32_t NotificationBroker::OpenSession(const String& processName)
     {
         throw InvalidOperationException("The notification broker has ended.");
     }
-    MakeRoom();
+    Rsc::RscCaller caller = Rsc::RscCaller::GetCurrent();
+    caller.processName = processName;
+    CloseSurplus(caller);
+    MakeRoom(caller);
     while (nextSession == 0 || sessions.contains(nextSession))
     {
         ++nextSession;
     }
-    sessions.emplace(nextSession, std::make_shared<SubscriberSession>(processName, limits));
+    sessions.emplace(nextSession, std::make_shared<SubscriberSession>(caller, limits));
     return nextSession++;
 }
 
@@ -99,9 +103,7 @@ void NotificationBroker::CloseSession(std::uint32_t session)
     const auto found = sessions.find(session);
     if (found != sessions.end())
     {
-        found->second->isClosed = true;
-        found->second->changed.notify_all();
-        sessions.erase(found);
+        Close(found);
     }
 }
 
@@ -158,7 +160,36 @@ NotificationBroker::SessionPointer NotificationBroker::GetSession(std::uint32_t 
     return found->second;
 }
 
-void NotificationBroker::MakeRoom()
+/// A process has one session, and a second one for a while when it had to connect anew. One that opens more than a few
+/// loses its own ones.
+void NotificationBroker::CloseSurplus(const Rsc::RscCaller& caller)
+{
+    auto oldest = sessions.end();
+    std::size_t count = 0;
+    for (auto session = sessions.begin(); session != sessions.end(); ++session)
+    {
+        if (session->second->IsOf(caller))
+        {
+            ++count;
+            oldest = oldest == sessions.end() || session->second->lastUse < oldest->second->lastUse ? session : oldest;
+        }
+    }
+    if (count >= maxSessionsPerProcess)
+    {
+        log.Warning("The oldest of {0} notification sessions of {1} was closed, more it cannot have.", count,
+                    caller.ToString());
+        Close(oldest);
+    }
+}
+
+void NotificationBroker::Close(Sessions::iterator session)
+{
+    session->second->isClosed = true;
+    session->second->changed.notify_all();
+    sessions.erase(session);
+}
+
+void NotificationBroker::MakeRoom(const Rsc::RscCaller& caller)
 {
     if (sessions.size() < limits.maxSubscribers)
     {
@@ -173,6 +204,8 @@ void NotificationBroker::MakeRoom()
     if (oldest->second->fetchers > 0 ||
         SubscriberSession::Clock::now() - oldest->second->lastUse < limits.subscriberIdleTime)
     {
+        log.Warning("Refused a notification session to {0}: {1} processes subscribe already, which is the limit.",
+                    caller.ToString(), sessions.size());
         throw InvalidOperationException("{0} processes subscribe to notifications already, more are not possible.",
                                         sessions.size());
     }

@@ -2,6 +2,7 @@
 
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
+#include <Vela/System/Rsc/RscCaller.hpp>
 
 #include <Broker/BoundedQueue.hpp>
 #include <Broker/SubscriberSession.hpp>
@@ -38,9 +39,12 @@ public:
 
 private:
     using SessionPointer = std::shared_ptr<SubscriberSession>;
+    using Sessions = std::map<std::uint32_t, SessionPointer>;
 
     [[nodiscard]] SessionPointer GetSession(std::uint32_t session) const;
-    void MakeRoom();
+    void Close(Sessions::iterator session);
+    void CloseSurplus(const Rsc::RscCaller& caller);
+    void MakeRoom(const Rsc::RscCaller& caller);
     void AddLosses(const String& name, std::uint64_t count);
     void Take(const NotificationPointer& notification);
 
@@ -50,7 +54,7 @@ private:
     bool isClosed = false;
     BoundedQueue<NotificationPointer> heldBack;
     std::map<String, std::uint64_t> heldBackLosses;
-    std::map<std::uint32_t, SessionPointer> sessions;
+    Sessions sessions;
     std::uint32_t nextSession = 1;
 };
 

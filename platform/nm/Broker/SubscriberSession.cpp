@@ -15,15 +15,20 @@ constexpr std::size_t maxSubscriptions = 1024;
 
 } // namespace
 
-SubscriberSession::SubscriberSession(String subscriberName, const NotificationLimits& limits)
-    : processName(std::move(subscriberName))
+SubscriberSession::SubscriberSession(Rsc::RscCaller sessionOwner, const NotificationLimits& limits)
+    : owner(std::move(sessionOwner))
     , queue(limits)
 {
 }
 
+bool SubscriberSession::IsOf(const Rsc::RscCaller& caller) const noexcept
+{
+    return owner.processId == caller.processId && (owner.processId != 0 || owner.processName == caller.processName);
+}
+
 const String& SubscriberSession::GetProcessName() const noexcept
 {
-    return processName;
+    return owner.processName;
 }
 
 void SubscriberSession::Subscribe(std::uint32_t subscription, const String& pattern)
@@ -32,7 +37,7 @@ void SubscriberSession::Subscribe(std::uint32_t subscription, const String& patt
     if (subscriptions.size() >= maxSubscriptions && !subscriptions.contains(subscription))
     {
         throw InvalidOperationException("Process '{0}' has {1} subscriptions already, more are not possible.",
-                                        processName, maxSubscriptions);
+                                        owner.processName, maxSubscriptions);
     }
     subscriptions.insert_or_assign(subscription, std::move(namePattern));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Vela/String.hpp>
+#include <Vela/System/Rsc/RscCaller.hpp>
 
 #include <Broker/BoundedQueue.hpp>
 #include <Core/NamePattern.hpp>
@@ -23,7 +24,10 @@ class SubscriberSession
 public:
     using Clock = std::chrono::steady_clock;
 
-    SubscriberSession(String subscriberName, const NotificationLimits& limits);
+    SubscriberSession(Rsc::RscCaller sessionOwner, const NotificationLimits& limits);
+
+    /// Whether it is a session of that process. Processes whose ids are not known are told apart by their names.
+    [[nodiscard]] bool IsOf(const Rsc::RscCaller& caller) const noexcept;
 
     [[nodiscard]] const String& GetProcessName() const noexcept;
     /// @throws ArgumentException for a malformed pattern
@@ -46,7 +50,7 @@ public:
     Clock::time_point lastUse = Clock::now();
 
 private:
-    const String processName;
+    const Rsc::RscCaller owner;
     std::map<std::uint32_t, NamePattern> subscriptions;
     BoundedQueue<DeliveredNotification> queue;
     std::map<std::uint32_t, std::uint64_t> misses;
