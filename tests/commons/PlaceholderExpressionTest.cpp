@@ -35,6 +35,20 @@ TEST_F(PlaceholderExpressionTest, PutsValuesInPlaceWithoutSearchingThemAgain)
     EXPECT_EQ(PlaceholderExpression::Resolve("${PLACE_NESTED}"), "${PLACE_A}$$");
 }
 
+TEST_F(PlaceholderExpressionTest, EndsGrowthBeforeItTakesTheMemory)
+{
+    Environment::SetVariable("PLACE_0", String(1000, 'x'));
+    int generation = 0;
+    EXPECT_THROW(
+        for (; generation < 100; ++generation) {
+            const String previous = fmt::format("${{PLACE_{}}}", generation);
+            Environment::SetVariable(fmt::format("PLACE_{}", generation + 1),
+                                     PlaceholderExpression::Resolve(previous + previous + previous + previous));
+        },
+        InvalidOperationException);
+    EXPECT_EQ(generation, 3);
+}
+
 TEST_F(PlaceholderExpressionTest, KeepsDollarSignsThatBeginNoPlaceholder)
 {
     EXPECT_EQ(PlaceholderExpression::Resolve("$${PLACE_A}"), "${PLACE_A}");

@@ -1,6 +1,7 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Configuration/PlaceholderExpression.hpp>
 #include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/PlainText.hpp>
 
 namespace Vela::System::Commons::Configuration
 {
@@ -67,6 +68,12 @@ String PlaceholderExpression::Resolve(const String& text)
         }
         result += placeholders.GetTextBefore();
         result += value;
+        // Variables that stand for one another, several times each, grow without bounds.
+        if (result.size() > maxResolvedSize)
+        {
+            throw InvalidOperationException("The text '{0}' takes more than {1} bytes when it is resolved.",
+                                            MakePlainText(text, 200), maxResolvedSize);
+        }
     }
     return result + placeholders.GetTextBefore();
 }

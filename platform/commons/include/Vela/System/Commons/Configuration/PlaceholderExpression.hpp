@@ -16,6 +16,7 @@ public:
     /// Puts the present values of the variables in place of the placeholders. Values are not searched for further
     /// placeholders.
     /// @throws KeyNotFoundException for a variable that is not defined
+    /// @throws InvalidOperationException when the result exceeds maxResolvedSize
     /// @throws ArgumentException for a placeholder that is not closed or has no name
     static String Resolve(const String& text);
     /// The name, when the text consists of a single placeholder and nothing else; otherwise an empty text.
@@ -25,6 +26,9 @@ public:
     static bool BeginsWithPlaceholder(const String& text);
     /// The expression that resolves to exactly this text: its dollar signs doubled.
     static String Escape(const String& text);
+
+    /// As much as the environment of a process holds under one name.
+    static constexpr std::size_t maxResolvedSize = std::size_t{128} * 1024;
 
     /// Walks through the placeholders of a text in their order.
     class VELA_COMMONS_API Enumerator
