@@ -5,6 +5,7 @@
 #include <Vela/Exceptions.hpp>
 
 #include <CapturedLog.hpp>
+#include <ScopedTrustPolicy.hpp>
 #include <ThrownMessage.hpp>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -128,6 +129,40 @@ TEST_F(SecuredService, DoesNotStartWithSettingsThatItCannotFollow)
     Commons::Environment::SetupSecuritySettings(directory / "missing");
     EXPECT_THROW(Open(), NotExistException);
     EXPECT_EQ(ListFiles(), std::vector<std::string>{"files"});
+}
+
+TEST_F(SecuredService, DoesNotStartWhereOthersCouldDecideWhatHoldsOrTakeItsPlace)
+{
+    using Commons::Io::TrustedFile;
+    using Commons::Io::TrustPolicy;
+    using Vela::Testing::ScopedTrustPolicy;
+
+    const std::string grants = WriteGrants(MakeGrant(OwnUser(), "*"));
+    std::filesystem::permissions(grants, std::filesystem::perms(0666));
+    Commons::Environment::SetupSecuritySettings(grants);
+    EXPECT_NE(GetThrownMessage<InvalidOperationException>([this] { Open(); })
+                  .find(fmt::format("Security settings file '{}' can be changed by other users: '{}' is writable for "
+                                    "everybody (mode 666).",
+                                    grants, grants)),
+              String::npos);
+    {
+        const CapturedLog log;
+        const ScopedTrustPolicy accept(TrustedFile::SecuritySettings, TrustPolicy::Warn);
+        Open();
+        RscManager::DisposeInstance();
+        EXPECT_TRUE(log.Contains("Security settings file '" + grants + "' can be changed by other users"));
+    }
+    std::filesystem::permissions(grants, std::filesystem::perms(0600));
+
+    std::filesystem::create_directories(directory / "shared/run");
+    std::filesystem::permissions(directory / "shared", std::filesystem::perms(0777));
+    std::filesystem::permissions(directory / "shared/run", std::filesystem::perms(0700));
+    Commons::Environment::SetVariable(Commons::Environment::runtimeDirectoryName, directory / "shared/run");
+    EXPECT_NE(GetThrownMessage<InvalidOperationException>([this] { Open(); })
+                  .find("Runtime directory '" + directory / "shared/run" + "' can be changed by other users"),
+              String::npos);
+    const ScopedTrustPolicy accept(TrustedFile::RuntimeDirectory, TrustPolicy::Ignore);
+    EXPECT_NO_THROW(Open());
 }
 
 TEST_F(SecuredService, TakesOtherUsersForWhatIsGrantedToThem)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +17,8 @@ class TemporaryDirectory
 public:
     TemporaryDirectory()
     {
+        // Whatever the tester's own is: files that a group can write are not trusted.
+        ::umask(022);
         std::string name = (std::filesystem::temp_directory_path() / "vela-test-XXXXXX").string();
         if (mkdtemp(name.data()) == nullptr)
         {

@@ -4,6 +4,7 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Io/File.hpp>
+#include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 
 #include <regex>
@@ -73,11 +74,13 @@ LoadedLibrary SharedLibraryLoader::Load(const String& libraryPath, bool shadowCo
     LoadedLibrary loaded;
     String probedPath = ProbeLibraryName(libraryPath);
     loaded.path = probedPath;
+    FileTrust::Require(TrustedFile::Library, probedPath);
     if (shadowCopy)
     {
         loaded.shadowCopy = std::make_unique<ShadowCopy>(probedPath, ProbeLibraryNames(dependencies));
         loaded.shadowCopy->Copy();
         loaded.path = loaded.shadowCopy->GetDestinationLibraryPath();
+        FileTrust::Require(TrustedFile::Library, loaded.path);
     }
     loaded.sharedLibrary = std::make_unique<SharedLibrary>();
     loaded.sharedLibrary->Load(loaded.path);

@@ -15,9 +15,13 @@ using Commons::Xml::XmlSerializationContext;
 void KiroSettings::ReadXml(XmlReader& reader, XmlSerializationContext& context)
 {
     const std::pair<const char*, Commons::Xml::IXmlSerializable&> sections[] = {
-        {RscSettings::elementXmlName, rsc},           {EnvironmentVariables::elementXmlName, environmentVariables},
-        {LogSettings::elementXmlName, log},           {ProcessSettings::elementXmlName, process},
-        {SecuritySettings::elementXmlName, security}, {NmSettings::elementXmlName, nm},
+        {RscSettings::elementXmlName, rsc},
+        {EnvironmentVariables::elementXmlName, environmentVariables},
+        {LogSettings::elementXmlName, log},
+        {ProcessSettings::elementXmlName, process},
+        {SecuritySettings::elementXmlName, security},
+        {NmSettings::elementXmlName, nm},
+        {FileTrustSettings::elementXmlName, fileTrust},
     };
     String name;
     while (reader.ReadStartElement(name))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Settings/EnvironmentVariables.hpp>
+#include <Settings/FileTrustSettings.hpp>
 #include <Settings/LogSettings.hpp>
 #include <Settings/PathSettings.hpp>
 #include <Settings/ProcessSettings.hpp>
@@ -39,6 +40,7 @@ private:
     EnvironmentVariables environmentVariables;
     SecuritySettings security;
     NmSettings nm;
+    FileTrustSettings fileTrust;
 };
 
 } // namespace Vela::System::Kiro::Internal::Settings

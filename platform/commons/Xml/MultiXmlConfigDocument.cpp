@@ -33,7 +33,7 @@ public:
             throw XmlException::At(includedFrom.ToString(), fmt::format("Includes are nested deeper than {}.",
                                                                         MultiXmlConfigDocument::maxIncludeDepth));
         }
-        const XmlFile file(path, includedFrom);
+        const XmlFile file(path, includedFrom, Io::TrustedFile::Document);
         if (!filesRead.insert(file.GetIdentity()).second)
         {
             return;

@@ -15,10 +15,10 @@ XmlConfigDocument::XmlConfigDocument(String rootName, IXmlSerializable& document
 {
 }
 
-void XmlConfigDocument::Load(const String& path)
+void XmlConfigDocument::Load(const String& path, Io::TrustedFile use)
 {
     const String fullPath = Io::Path::GetFullPath(path);
-    LoadText(fullPath, XmlFile(fullPath, {}).Read());
+    LoadText(fullPath, XmlFile(fullPath, {}, use).Read());
 }
 
 void XmlConfigDocument::LoadText(const String& path, const String& text)

@@ -11,7 +11,7 @@
 namespace Vela::System::Commons::Xml
 {
 
-XmlFile::XmlFile(const String& path, const XmlPosition& includedFrom)
+XmlFile::XmlFile(const String& path, const XmlPosition& includedFrom, Io::TrustedFile use)
     : filePath(path)
     , position(includedFrom)
     // A pipe without a writer would block the open.
@@ -26,6 +26,7 @@ XmlFile::XmlFile(const String& path, const XmlPosition& includedFrom)
     {
         Throw("not a regular file");
     }
+    Io::FileTrust::Require(use, path, file.Get());
     identity = {status.st_dev, status.st_ino};
 }
 

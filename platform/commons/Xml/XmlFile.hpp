@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Vela/String.hpp>
+#include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Commons/UniqueFd.hpp>
 #include <Vela/System/Commons/Xml/XmlPosition.hpp>
 
@@ -22,7 +23,8 @@ public:
     /// @param path  absolute
     /// @param includedFrom  the include that names the file, named in errors; nowhere for a root file
     /// @throws XmlException when there is no such file, when it is none, or when it cannot be opened
-    XmlFile(const String& path, const XmlPosition& includedFrom);
+    /// @throws InvalidOperationException when others can change it and that is not accepted
+    XmlFile(const String& path, const XmlPosition& includedFrom, Io::TrustedFile use);
 
     [[nodiscard]] Identity GetIdentity() const noexcept;
     /// @throws XmlException when it is larger than a document may be, or cannot be read

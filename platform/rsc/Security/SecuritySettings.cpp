@@ -141,7 +141,8 @@ std::shared_ptr<const AccessControl> AccessControl::Load(const String& path)
         throw NotExistException("Security settings file '{}' does not exist.", path);
     }
     SecuritySettingsDocument document;
-    Commons::Xml::XmlConfigDocument("SecuritySettingsDocument", document).Load(path);
+    Commons::Xml::XmlConfigDocument("SecuritySettingsDocument", document)
+        .Load(path, Commons::Io::TrustedFile::SecuritySettings);
     log.Info("{0} grants were read from security settings '{1}'.", document.grants.size(), path);
     return std::make_shared<const AccessControl>(std::move(document.grants));
 }

@@ -6,6 +6,7 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Io/Directory.hpp>
+#include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Commons/SystemError.hpp>
 
@@ -123,6 +124,8 @@ RuntimeDirectory::RuntimeDirectory(Use use)
             "Runtime directory '{}' (owner {}, mode {:o}) must belong to user {} and be writable for nobody else.",
             path, owner, status.st_mode & 07777U, use == Use::Share ? ::geteuid() : owner);
     }
+    // The way to it as well: who can put another directory in its place takes the place of every process.
+    Commons::Io::FileTrust::Require(Commons::Io::TrustedFile::RuntimeDirectory, path, descriptor.Get(), owner);
 }
 
 UniqueFd RuntimeDirectory::Listen(const String& fileName, const String& applicationName, mode_t mode) const

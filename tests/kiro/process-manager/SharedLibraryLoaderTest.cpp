@@ -1,4 +1,5 @@
 #include "MappedFiles.hpp"
+#include "ScopedTrustPolicy.hpp"
 #include "TemporaryDirectory.hpp"
 #include "TestProcess.hpp"
 
@@ -57,6 +58,30 @@ TEST_F(Loader, FindsTheLinuxFileOfAConfiguredName)
     const String asConfigured = directory.Write("Foo.dll", "");
     EXPECT_EQ(SharedLibraryLoader::ProbeLibraryNames({directory / "Foo.dll", directory / "Foo.so"}),
               (std::vector<String>{asConfigured, linuxFile}));
+}
+
+TEST_F(Loader, RunsNoCodeOfALibraryThatOthersCanChangeWhenThatIsRefused)
+{
+    using System::Commons::Io::TrustedFile;
+    using System::Commons::Io::TrustPolicy;
+
+    const ScopedTrustPolicy refuse(TrustedFile::Library, TrustPolicy::Refuse);
+    const String library = CopyLibrary("Recording", "libRecording.so");
+    std::filesystem::permissions(library, std::filesystem::perms(0755));
+    EXPECT_NO_THROW({
+        LoadedLibrary loaded = SharedLibraryLoader::Load(library, false, {});
+        SharedLibraryLoader::Unload(loaded);
+    });
+    std::filesystem::permissions(library, std::filesystem::perms(0775));
+    EXPECT_THROW(SharedLibraryLoader::Load(library, false, {}), InvalidOperationException);
+    EXPECT_FALSE(IsMapped(library));
+
+    // A copy is no safer than the directory in which it is made.
+    std::filesystem::permissions(library, std::filesystem::perms(0755));
+    std::filesystem::create_directory(directory / "shadow");
+    std::filesystem::permissions(directory / "shadow", std::filesystem::perms(0777));
+    Environment::SetVariable(ShadowCopy::shadowDirEnvName, directory / "shadow");
+    EXPECT_THROW(SharedLibraryLoader::Load(library, true, {}), InvalidOperationException);
 }
 
 TEST_F(Loader, SaysWhichFileIsMissing)

@@ -5,16 +5,23 @@
 #include <Vela/System/Commons/Xml/XmlWriter.hpp>
 
 #include <CapturedLog.hpp>
+#include <ScopedTrustPolicy.hpp>
 #include <TemporaryDirectory.hpp>
 #include <ThrownMessage.hpp>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 using namespace Vela;
 using namespace Vela::System::Kiro::Internal::Settings;
 using System::Commons::Environment;
 using System::Commons::Diagnostics::LogLevel;
+using System::Commons::Io::FileTrust;
+using System::Commons::Io::TrustedFile;
+using System::Commons::Io::TrustPolicy;
 using Testing::CapturedLog;
 using Testing::GetThrownMessage;
+using Testing::ScopedTrustPolicy;
 using Testing::TemporaryDirectory;
 
 class KiroSettingsTest : public testing::Test
@@ -47,6 +54,33 @@ protected:
     const String position = " (" + (directory / "root.settings") + ":1)";
     KiroSettings settings;
 };
+
+TEST_F(KiroSettingsTest, DecideWhatHappensToFilesThatOthersCanChange)
+{
+    const ScopedTrustPolicy documents(TrustedFile::Document, TrustPolicy::Warn);
+    const ScopedTrustPolicy securitySettings(TrustedFile::SecuritySettings, TrustPolicy::Refuse);
+    const ScopedTrustPolicy libraries(TrustedFile::Library, TrustPolicy::Warn);
+    const ScopedTrustPolicy runtimeDirectory(TrustedFile::RuntimeDirectory, TrustPolicy::Refuse);
+    const CapturedLog log;
+    const String included = directory.Write("included.settings", "<KiroSettingsDocument/>");
+    std::filesystem::permissions(included, std::filesystem::perms(0666));
+    const String include = R"(<Includes><Include path="included.settings"/></Includes>)";
+    Load(include);
+    EXPECT_TRUE(log.Contains("File '" + included + "' can be changed by other users: '" + included +
+                             "' is writable for everybody (mode 666)."));
+
+    Load(R"(<FileTrust securitySettings="Warn" libraries="Refuse" runtimeDirectory="Ignore"/>)");
+    EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::Document), TrustPolicy::Warn);
+    EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::SecuritySettings), TrustPolicy::Warn);
+    EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::Library), TrustPolicy::Refuse);
+    EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::RuntimeDirectory), TrustPolicy::Ignore);
+
+    const String refuse = R"(<FileTrust documents="Refuse"/>)";
+    EXPECT_THROW(Load(refuse + include), InvalidOperationException) << "for what it includes";
+    std::filesystem::permissions(directory / "root.settings", std::filesystem::perms(0666));
+    EXPECT_THROW(Load(refuse), InvalidOperationException) << "for itself";
+    EXPECT_THROW(Load(R"(<FileTrust documents="Maybe"/>)"), Exception);
+}
 
 TEST_F(KiroSettingsTest, AreAllDefaultsInAnEmptyDocument)
 {
