@@ -74,7 +74,10 @@ TEST_F(SecuredService, RefusesWhatIsNotGrantedBeforeItReachesTheService)
                           "(pid {}, uid {}).",
                           ::getpid(), ::geteuid()));
     EXPECT_EQ(ownService.calls, 1);
-    EXPECT_TRUE(log.Contains("Refused operation 'Fail' of service 'Vela.Testing.ITestService' to process 'Tester'"));
+    const String lines = log.GetText();
+    const auto line = lines.find("Refused operation 'Fail' of service 'Vela.Testing.ITestService' to process 'Tester'");
+    ASSERT_NE(line, String::npos);
+    EXPECT_EQ(lines.find("Refused", line + 1), String::npos) << "one line for one refusal";
 
     Peer& peer =
         StartPeer("Peer", {"settings=" + WriteSettings(), "security=" + directory / "files/Security.settings"});
@@ -175,20 +178,29 @@ TEST_F(SecuredService, TakesOtherUsersForWhatIsGrantedToThem)
     std::filesystem::permissions(directory.GetPath(), std::filesystem::perms(0711));
     StartPeer("Strict");
     const std::string security = "security=" + WriteGrants(MakeGrant(fmt::format(R"(user="{}")", otherUser), "Add"));
-    StartPeer("Secured", {"settings=" + WriteSettings(), security});
-    StartPeer("Plain", {security});
+    Peer& securedPeer = StartPeer("Secured", {"settings=" + WriteSettings(), security});
+    Peer& plainPeer = StartPeer("Plain", {security});
+    Peer& elsesPeer = StartPeer("Elses", {"security=" + WriteGrants(MakeGrant(R"(user="1234567")", "*"))});
 
     RscManagerOptions options;
     options.connectTimeout = std::chrono::milliseconds(50);
     RscManager::CreateClientInstance("Tool", options);
     ASSERT_EQ(::seteuid(otherUser), 0);
     EXPECT_THROW(GetService("Strict"), InvalidOperationException);
+    EXPECT_THROW(GetService("Elses"), InvalidOperationException);
     const auto secured = GetService("Secured");
     EXPECT_EQ(secured->Add(1, 2), 3);
     EXPECT_THROW(secured->Nothing(), RscException);
     EXPECT_NE(GetThrownMessage<RscException>([] { GetService("Plain")->Add(1, 2); }).find("not allowed to this user"),
               String::npos);
     ASSERT_EQ(::seteuid(0), 0);
+    const String audit =
+        fmt::format("Refused operation '{{}}' of service 'Vela.Testing.ITestService' to process 'Tool' "
+                    "(pid {}, uid {}).",
+                    ::getpid(), otherUser);
+    securedPeer.Await(fmt::format(fmt::runtime(audit), "Nothing"));
+    plainPeer.Await(fmt::format(fmt::runtime(audit), "Add"));
+    elsesPeer.Await(fmt::format("(pid {}, uid {}): the system belongs to another user", ::getpid(), otherUser));
 }
 
 TEST_F(SecuredService, TakesTcpClientsThatKnowTheSecretOnly)

@@ -1,25 +1,11 @@
+#include "Security/Audit.hpp"
+
 #include <Vela/Exceptions.hpp>
-#include <Vela/System/Commons/Diagnostics/Loggable.hpp>
-#include <Vela/System/Rsc/RscServiceAuthorizator.hpp>
 
 #include <utility>
 
 namespace Vela::System::Rsc
 {
-
-namespace
-{
-
-class Audit : private Commons::Diagnostics::Loggable<RscServiceAuthorizator>
-{
-public:
-    static void LogRefusal(const RscCaller& caller, const String& service, const char* operation)
-    {
-        log.Warning("Refused operation '{0}' of service '{1}' to {2}.", operation, service, caller.ToString());
-    }
-};
-
-} // namespace
 
 RscServiceAuthorizator::RscServiceAuthorizator(String service, String interfaceId, const IRscAuthorizator* decider)
     : serviceName(service.empty() ? interfaceId : std::move(service))

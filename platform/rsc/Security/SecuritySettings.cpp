@@ -61,7 +61,7 @@ std::optional<gid_t> FindGroup(const String& name)
 ///     </SecuritySettingsDocument>
 ///
 /// Users and groups are names or numbers. What the system does not know is an error: a grant that was mistyped must
-/// not go unnoticed.
+/// not go unnoticed. The document has a schema, which says the same: security-settings.xsd.
 class SecuritySettingsDocument final : public Commons::Xml::IXmlSerializable
 {
 public:
@@ -116,6 +116,10 @@ private:
         const bool hasGroup = reader.TryGetAttributeValue("group", group);
         reader.GetAttributeValue("service", grant.interfaceName);
         reader.GetAttributeValue("operation", grant.operationName);
+        if (grant.interfaceName.empty() || grant.operationName.empty())
+        {
+            throw reader.Error("A grant names a service and an operation.");
+        }
         if (hasUser == hasGroup)
         {
             throw reader.Error("A grant names either a user or a group.");

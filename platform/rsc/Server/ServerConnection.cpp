@@ -1,6 +1,7 @@
 #include "Server/ServerConnection.hpp"
 
 #include "Security/AccessControl.hpp"
+#include "Security/Audit.hpp"
 #include "Security/CallerScope.hpp"
 #include "Security/Secret.hpp"
 #include "Services/Failure.hpp"
@@ -200,8 +201,8 @@ void ServerConnection::AnswerCall(const Frame& request)
     }
     if (isForeign && !lease->GetStub().IsSecure())
     {
-        log.Warning("Refused operation {0} of service '{1}' to {2}.", operation, lease->GetInterfaceName(),
-                    caller.ToString());
+        const char* name = lease->GetStub().GetOperationName(operation);
+        Audit::LogRefusal(caller, lease->GetInterfaceName(), name == nullptr ? "unknown" : name);
         context.AbortRequest(RscErrorCode::AccessDenied, nullptr);
         return;
     }

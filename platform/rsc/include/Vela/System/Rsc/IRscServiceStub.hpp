@@ -22,6 +22,8 @@ public:
     /// Called before a call that goes to the implementation directly.
     /// @throws RscException when the present caller may not call the operation
     virtual void Authorize(const char* operationName) const = 0;
+    /// The name of an operation; null when there is none of that number.
+    [[nodiscard]] virtual const char* GetOperationName(int operationNumber) const noexcept = 0;
     /// Whether each call is authorised.
     [[nodiscard]] virtual bool IsSecure() const noexcept = 0;
     /// The implementation.

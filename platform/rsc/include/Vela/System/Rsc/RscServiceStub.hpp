@@ -38,6 +38,11 @@ public:
     {
     }
 
+    [[nodiscard]] const char* GetOperationName(int operationNumber) const noexcept override
+    {
+        return FindOperationName<Interface>(operationNumber);
+    }
+
     [[nodiscard]] bool IsSecure() const noexcept override
     {
         return false;
@@ -108,7 +113,7 @@ public:
 
     void Invoke(int operationNumber, RscServerContext& context) override
     {
-        if (const char* operationName = FindOperationName<Interface>(operationNumber))
+        if (const char* operationName = this->GetOperationName(operationNumber))
         {
             Authorize(operationName);
         }
