@@ -77,8 +77,11 @@ TEST_F(KiroSettingsTest, DecideWhatHappensToFilesThatOthersCanChange)
 
     const String refuse = R"(<FileTrust documents="Refuse"/>)";
     EXPECT_THROW(Load(refuse + include), InvalidOperationException) << "for what it includes";
-    std::filesystem::permissions(directory / "root.settings", std::filesystem::perms(0666));
-    EXPECT_THROW(Load(refuse), InvalidOperationException) << "for itself";
+    FileTrust::SetPolicy(TrustedFile::Document, TrustPolicy::Warn);
+    const String itself =
+        directory.Write("itself.settings", "<KiroSettingsDocument>" + refuse + "</KiroSettingsDocument>");
+    std::filesystem::permissions(itself, std::filesystem::perms(0666));
+    EXPECT_THROW(KiroSettingsLoader::Load(itself, settings, false), InvalidOperationException);
     EXPECT_THROW(Load(R"(<FileTrust documents="Maybe"/>)"), Exception);
 }
 
