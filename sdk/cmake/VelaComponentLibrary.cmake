@@ -4,6 +4,7 @@
 # else, so that several libraries in one process cannot get into each other's way and unloading one really unmaps it.
 include("${CMAKE_CURRENT_LIST_DIR}/VelaHardening.cmake")
 set(VELA_COMPONENT_LIBRARY_EXPORTS "${CMAKE_CURRENT_LIST_DIR}/VelaComponentLibrary.map")
+set(VELA_CONTRACT_NOTE "${CMAKE_CURRENT_LIST_DIR}/VelaContractNote.cpp")
 
 function(vela_add_component_library name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LIBS")
@@ -11,7 +12,10 @@ function(vela_add_component_library name)
     message(FATAL_ERROR "usage: vela_add_component_library(Name SOURCES a.cpp ... [LIBS target ...])")
   endif()
 
-  add_library(${name} MODULE ${ARG_SOURCES})
+  # The note tells the runtime, before it loads the library, what the library was built with.
+  add_library(${name} MODULE ${ARG_SOURCES} "${VELA_CONTRACT_NOTE}")
+  set_source_files_properties("${VELA_CONTRACT_NOTE}" PROPERTIES
+    SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
   set_target_properties(${name} PROPERTIES
     PREFIX lib
     SUFFIX .so

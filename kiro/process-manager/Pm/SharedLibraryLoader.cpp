@@ -7,6 +7,8 @@
 #include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 
+#include <Contract/LibraryNote.hpp>
+
 #include <regex>
 
 namespace Vela::System::Kiro::Internal::Pm
@@ -82,6 +84,7 @@ LoadedLibrary SharedLibraryLoader::Load(const String& libraryPath, bool shadowCo
         loaded.path = loaded.shadowCopy->GetDestinationLibraryPath();
         FileTrust::Require(TrustedFile::Library, loaded.path);
     }
+    Contract::CheckLibraryFile(loaded.path);
     loaded.sharedLibrary = std::make_unique<SharedLibrary>();
     loaded.sharedLibrary->Load(loaded.path);
     loaded.library = CallEntry(*loaded.sharedLibrary, probedPath);

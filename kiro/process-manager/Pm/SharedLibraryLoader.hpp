@@ -26,7 +26,8 @@ public:
     /// Loads a library and calls its entry function with the process's application domain. A shared object without an
     /// entry function is loaded too.
     /// @param shadowCopy  load a copy of the file, made together with copies of `dependencies`
-    /// @throws InvalidOperationException when there is no such file or it was made with the first SDK; Exception of
+    /// @throws InvalidOperationException when there is no such file, when it was made with the first SDK, for another
+    ///         architecture or with another contract (see BinaryContract); Exception of
     ///         the platform's loader; whatever the entry function throws, as a copy. Nothing stays loaded then.
     [[nodiscard]] static LoadedLibrary Load(const String& libraryPath, bool shadowCopy,
                                             const std::vector<String>& dependencies);

@@ -1,0 +1,59 @@
+#include <Vela/System/Kiro/BinaryContract.hpp>
+
+#include <Contract/Architecture.hpp>
+#include <Contract/LibraryNote.hpp>
+#include <FuzzTarget.hpp>
+
+#include <algorithm>
+
+namespace Vela::Fuzz
+{
+
+namespace
+{
+
+using namespace System::Kiro;
+using namespace System::Kiro::Internal::Contract;
+
+bool IsPrintable(const String& text)
+{
+    return std::all_of(text.begin(), text.end(), [](char character) { return character >= ' ' && character <= '~'; });
+}
+
+void Run(std::string_view input)
+{
+    std::size_t reads = 0;
+    const ReadBytes read = [&](std::uint64_t offset, std::span<std::byte> target)
+    {
+        ++reads;
+        if (offset > input.size() || target.size() > input.size() - offset)
+        {
+            return false;
+        }
+        std::ranges::copy(AsBytes(input).subspan(static_cast<std::size_t>(offset), target.size()), target.begin());
+        return true;
+    };
+    std::optional<LibraryNote> note;
+    const auto refusal = GetRefusal([&] { note = LibraryNote::Read("libFuzz.so", read); });
+    Require(!refusal || refusal->find("libFuzz.so") != refusal->npos, "a refusal names the library");
+    Require(reads < 150'000, "a file is read in reasonable time");
+    if (const auto architecture = Architecture::Read(read); architecture && *architecture != Architecture::GetOwn())
+    {
+        Require(refusal && refusal->find(architecture->ToString()) != refusal->npos,
+                "the architecture of a foreign library is named");
+    }
+    if (note)
+    {
+        Require(IsPrintable(note->sdkVersion) && IsPrintable(note->compiler), "texts of a note are printable");
+        const bool isRefused = GetRefusal([&] { note->CheckContract("libFuzz.so"); }).has_value();
+        Require(isRefused == (note->contractVersion != BinaryContract::contractVersion ||
+                              note->layoutHash != BinaryContract::layoutHash),
+                "exactly another contract is refused");
+    }
+}
+
+const FuzzTarget target("library-notes", &Run);
+
+} // namespace
+
+} // namespace Vela::Fuzz
