@@ -3,7 +3,10 @@
 #include <Vela/Exceptions.hpp>
 
 #include <ThrownMessage.hpp>
+#include <gmock/gmock.h>
 #include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
@@ -122,6 +125,28 @@ TEST_F(Lookup, EndsItsWaitWhenItIsWoken)
     EXPECT_EQ(absent.get(), nullptr);
     EXPECT_EQ(unpublished.get(), nullptr);
     EXPECT_LT(std::chrono::steady_clock::now() - start, patience / 2);
+}
+
+TEST_F(Lookup, WaitsNoLongerThanItMayBehindAQueueThatIsFull)
+{
+    // A process that was stopped, and that as many wait for as can.
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    (directory / "Stopped.socket").copy(static_cast<char*>(address.sun_path), sizeof(address.sun_path) - 1);
+    const auto* name = reinterpret_cast<const sockaddr*>(&address);
+    const Commons::UniqueFd stopped(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(bind(stopped.Get(), name, sizeof(address)), 0);
+    ASSERT_EQ(listen(stopped.Get(), 0), 0);
+    std::vector<Commons::UniqueFd> waiting;
+    do
+    {
+        waiting.emplace_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    } while (connect(waiting.back().Get(), name, sizeof(address)) == 0);
+    ASSERT_EQ(errno, EAGAIN);
+
+    Open(true);
+    EXPECT_THAT(ListFiles(), testing::Contains("Stopped.socket")) << "it is taken for a living process";
+    EXPECT_EQ(TryGetService(ServiceProvider::Process("Stopped"), 50ms), nullptr);
 }
 
 TEST_F(Lookup, FindsAComponentWhereverItLives)

@@ -20,6 +20,8 @@ using namespace std::chrono_literals;
 namespace
 {
 
+/// A queue that is full for a moment is no reason to give up.
+constexpr std::chrono::milliseconds minConnectTime = 100ms;
 /// A process that listens gets this time to answer even when the caller's own is over.
 constexpr auto minAnswerTime = 500ms;
 
@@ -55,7 +57,9 @@ Connector::Connector(std::shared_ptr<const RuntimeDirectory> runtimeDirectory, R
 std::optional<Connection> Connector::Connect(const EndpointAddress& address, Clock::time_point deadline,
                                              std::span<const int> wakeDescriptors) const
 {
-    Commons::UniqueFd socket = address.port != 0 ? ConnectToPort(address.port) : directory->Connect(address.fileName);
+    Commons::UniqueFd socket =
+        address.port != 0 ? ConnectToPort(address.port)
+                          : directory->Connect(address.fileName, std::max(GetRemaining(deadline), minConnectTime));
     if (!socket.IsValid())
     {
         return std::nullopt;

@@ -1,6 +1,7 @@
 #include "Transport/RuntimeDirectory.hpp"
 
 #include "Transport/EndpointName.hpp"
+#include "Transport/Socket.hpp"
 #include "Transport/TransportException.hpp"
 
 #include <Vela/Exceptions.hpp>
@@ -162,9 +163,11 @@ UniqueFd RuntimeDirectory::Listen(const String& fileName, const String& applicat
     return socket;
 }
 
-UniqueFd RuntimeDirectory::Connect(const String& fileName) const
+UniqueFd RuntimeDirectory::Connect(const String& fileName, std::chrono::milliseconds limit) const
 {
     UniqueFd socket = MakeSocket();
+    // No time at all would mean no limit.
+    SetSendTimeout(socket.Get(), std::max(limit, std::chrono::milliseconds(1)));
     const sockaddr_un address = MakeAddress(*this, fileName);
     const auto connected = Commons::RetryInterrupted(
         [&] { return ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)); });
@@ -174,8 +177,13 @@ UniqueFd RuntimeDirectory::Connect(const String& fileName) const
         {
             return UniqueFd();
         }
+        if (errno == EAGAIN)
+        {
+            throw TransportException(TransportFailure::TimedOut, "timed out");
+        }
         throw TransportException(TransportFailure::System, fmt::format("connect: {}", Commons::GetErrorText(errno)));
     }
+    SetSendTimeout(socket.Get(), std::chrono::milliseconds(0));
     return socket;
 }
 
@@ -261,7 +269,19 @@ std::vector<String> RuntimeDirectory::List() const
 
 bool RuntimeDirectory::IsLive(const String& fileName) const
 {
-    return Connect(fileName).IsValid();
+    try
+    {
+        return Connect(fileName, std::chrono::milliseconds(1)).IsValid();
+    }
+    catch (const TransportException& exception)
+    {
+        // It does not accept at the moment, but it is there.
+        if (exception.GetFailure() != TransportFailure::TimedOut)
+        {
+            throw;
+        }
+        return true;
+    }
 }
 
 } // namespace Vela::System::Rsc

@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <vector>
 
 namespace Vela::System::Rsc
@@ -51,9 +52,10 @@ public:
     /// @param mode  who may connect at all
     /// @throws InvalidOperationException when somebody listens there already
     [[nodiscard]] Commons::UniqueFd Listen(const String& fileName, const String& applicationName, mode_t mode) const;
-    /// Connects to the socket that a file or link leads to; an invalid descriptor when nobody listens.
+    /// Connects to the socket that a file or link leads to; an invalid descriptor when nobody listens. A process that
+    /// does not accept lets its callers queue up; behind a full queue a connection waits for its time limit.
     /// @throws TransportException
-    [[nodiscard]] Commons::UniqueFd Connect(const String& fileName) const;
+    [[nodiscard]] Commons::UniqueFd Connect(const String& fileName, std::chrono::milliseconds limit) const;
 
     /// Makes a link to a socket file, in the place of one that leads nowhere.
     /// @throws InvalidOperationException when it leads to another live process

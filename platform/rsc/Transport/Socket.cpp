@@ -42,17 +42,27 @@ void DisableDelay(int socket)
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
 }
 
-} // namespace
-
-void SetReceiveTimeout(int socket, std::chrono::milliseconds timeout)
+void SetTimeout(int socket, int option, std::chrono::milliseconds timeout)
 {
     timeval time{};
     time.tv_sec = static_cast<decltype(time.tv_sec)>(timeout.count() / 1000);
     time.tv_usec = static_cast<decltype(time.tv_usec)>(timeout.count() % 1000 * 1000);
-    if (::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time)) != 0)
+    if (::setsockopt(socket, SOL_SOCKET, option, &time, sizeof(time)) != 0)
     {
         ThrowTransportError("setsockopt");
     }
+}
+
+} // namespace
+
+void SetReceiveTimeout(int socket, std::chrono::milliseconds timeout)
+{
+    SetTimeout(socket, SO_RCVTIMEO, timeout);
+}
+
+void SetSendTimeout(int socket, std::chrono::milliseconds timeout)
+{
+    SetTimeout(socket, SO_SNDTIMEO, timeout);
 }
 
 PeerCredentials GetPeerCredentials(int socket)

@@ -21,6 +21,9 @@ struct PeerCredentials
 /// How long a receive waits; 0: no limit.
 /// @throws TransportException
 void SetReceiveTimeout(int socket, std::chrono::milliseconds timeout);
+/// How long a connection or a send waits; 0: no limit.
+/// @throws TransportException
+void SetSendTimeout(int socket, std::chrono::milliseconds timeout);
 /// @throws TransportException
 PeerCredentials GetPeerCredentials(int socket);
 
