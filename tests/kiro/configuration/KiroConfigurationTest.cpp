@@ -4,6 +4,7 @@
 #include <Vela/System/Commons/Xml/XmlSerializationContext.hpp>
 #include <Vela/System/Commons/Xml/XmlWriter.hpp>
 
+#include <CutDocument.hpp>
 #include <TemporaryDirectory.hpp>
 #include <ThrownMessage.hpp>
 #include <gtest/gtest.h>
@@ -51,6 +52,27 @@ protected:
     const String root = directory / "root.config";
     const String position = " (" + root + ":1)";
 };
+
+TEST_F(KiroConfigurationTest, RefusesADocumentThatIsCutOffAnywhere)
+{
+    const String part =
+        "<?xml version='1.0'?><!-- a part --><KiroConfigurationDocument><Components><Component name='C' "
+        "type='T' library='L' process='P' startOrder='5'><Settings path='c&amp;d.settings'/></Component>"
+        "</Components></KiroConfigurationDocument>";
+    const String whole =
+        "<KiroConfigurationDocument><Includes><Include path='part.config'/></Includes><Processes>"
+        "<Process name='P' core='2' args='-v &quot;a b&quot;'/></Processes><Libraries><Library name='L' "
+        "binaryPath='${CONFIG_BIN}/libL.so'><Dependencies><Dependency binaryPath='d.so'/></Dependencies>"
+        "</Library></Libraries></KiroConfigurationDocument>";
+    const auto load = [&]
+    {
+        KiroConfiguration configuration;
+        KiroConfigurationLoader::Load(root, false, true, configuration);
+    };
+    directory.Write("part.config", part);
+    Testing::ExpectEveryCutToBeRefused(directory, "root.config", whole, load);
+    Testing::ExpectEveryCutToBeRefused(directory, "part.config", part, load);
+}
 
 TEST_F(KiroConfigurationTest, ReadsEveryAttribute)
 {

@@ -5,6 +5,7 @@
 #include <Vela/System/Commons/Xml/XmlWriter.hpp>
 
 #include <CapturedLog.hpp>
+#include <CutDocument.hpp>
 #include <ScopedTrustPolicy.hpp>
 #include <TemporaryDirectory.hpp>
 #include <ThrownMessage.hpp>
@@ -83,6 +84,20 @@ TEST_F(KiroSettingsTest, DecideWhatHappensToFilesThatOthersCanChange)
     std::filesystem::permissions(itself, std::filesystem::perms(0666));
     EXPECT_THROW(KiroSettingsLoader::Load(itself, settings, false), InvalidOperationException);
     EXPECT_THROW(Load(R"(<FileTrust documents="Maybe"/>)"), Exception);
+}
+
+TEST_F(KiroSettingsTest, RefusesADocumentThatIsCutOffAnywhere)
+{
+    const String text =
+        "<KiroSettingsDocument>\n<LogSettings logDir='log' logLevel='Debug'/><ProcessSettings singleProcess='false' "
+        "startWaitTime='10s' slowStepTime='1min'/><EnvironmentVariables><EnvironmentVariable name='VELA_PATH_X' "
+        "value='a&lt;b'/></EnvironmentVariables></KiroSettingsDocument>";
+    Testing::ExpectEveryCutToBeRefused(directory, "root.settings", text,
+                                       [this]
+                                       {
+                                           KiroSettings read;
+                                           KiroSettingsLoader::Load(directory / "root.settings", read, false);
+                                       });
 }
 
 TEST_F(KiroSettingsTest, AreAllDefaultsInAnEmptyDocument)
