@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <thread>
 
 namespace Vela::Testing
@@ -41,6 +42,15 @@ protected:
             arguments.insert(arguments.begin(), "--map-root-user");
         }
         return StartedProcess("/usr/bin/unshare", arguments, system.environment, system.directory.GetPath().string());
+    }
+
+    void AddSanitizerOptions(const std::string& options)
+    {
+        for (const char* variable : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
+        {
+            const char* present = std::getenv(variable);
+            system.environment[variable] = std::string(present != nullptr ? present : "") + ":" + options;
+        }
     }
 
     void EndInOrder(StartedProcess& main) const
@@ -170,11 +180,7 @@ TEST_F(SurroundingsTest, ALibraryThatCannotBeLoadedEndsTheStartInOrder)
 
 TEST_F(SurroundingsTest, ALibraryThatCrashesInItsInitialiserTakesItsProcessAndThenTheStart)
 {
-    for (const char* variable : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
-    {
-        const char* present = std::getenv(variable);
-        system.environment[variable] = std::string(present != nullptr ? present : "") + ":handle_segv=0";
-    }
+    AddSanitizerOptions("handle_segv=0");
     system.WriteSettings("<ProcessSettings singleProcess='false' watchdogIdleTime='1h'/>");
     ConfigureLibrary("Left", TestSystem::GetBuiltFile("lib/libCrashingInitialiser.so"));
     StartedProcess main = system.Start();
@@ -220,6 +226,26 @@ TEST_F(SurroundingsTest, TwoSystemsKnowNothingOfEachOther)
     third.Signal(SIGTERM);
     EXPECT_EQ(third.AwaitEnd(), 0) << third.GetOutput();
     EXPECT_EQ(system.FindLeftovers() + other.FindLeftovers(), "");
+}
+
+TEST_F(SurroundingsTest, AWallClockThatJumpsDisturbsNobody)
+{
+    AddSanitizerOptions("verify_asan_link_order=0");
+    system.environment["LD_PRELOAD"] = TestSystem::GetBuiltFile("lib/libJumpingClock.so");
+    system.WriteSettings("<ProcessSettings singleProcess='false' slowStepTime='5min' startWaitTime='1min' "
+                         "stopWaitTime='1min' watchdogIdleTime='1ms'/>");
+    WriteScript("InLeft Start sleep 20\n");
+    StartedProcess main = system.Start();
+    EndInOrder(main);
+    EXPECT_FALSE(main.HasOutput("Warning")) << main.GetOutput();
+    EXPECT_FALSE(main.HasOutput("Error")) << main.GetOutput();
+    std::set<std::string> years;
+    std::istringstream lines(main.GetOutput());
+    for (std::string line; std::getline(lines, line);)
+    {
+        years.insert(line.substr(0, line.find('-')));
+    }
+    EXPECT_GT(years.size(), 1U) << "the clock did not jump: " << main.GetOutput();
 }
 
 TEST_F(SurroundingsTest, ABusyMachineRaisesNoFalseAlarm)
