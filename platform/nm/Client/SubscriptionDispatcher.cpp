@@ -273,7 +273,7 @@ void SubscriptionDispatcher::Dispatch(const NotificationDelivery& delivery)
 void SubscriptionDispatcher::DispatchMisses(std::uint32_t id, std::uint64_t count)
 {
     Call(id,
-         [this, count](const Subscriber& subscriber)
+         [count](const Subscriber& subscriber)
          {
              if (subscriber.missedCallback)
              {
