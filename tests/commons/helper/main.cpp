@@ -150,7 +150,7 @@ int Signals(const Arguments&)
     return 0;
 }
 
-/// Logs without ever having a log manager.
+/// Logs without ever having a log manager; what is kept is written when the objects of this run are gone.
 int LogWithoutManager(const Arguments&)
 {
     AppDomain::CreateInstance().SetApplicationName("Helper");
@@ -159,6 +159,8 @@ int LogWithoutManager(const Arguments&)
     {
         log.Info("chatter {0}", number);
     }
+    LogLevel level{};
+    log.Debug("a level that {0}", TryGetEnumValue("Info", level) ? "exists" : "does not exist");
     log.Error("lost {0}", "key");
     log.Fatal("lost house");
     return 0;
