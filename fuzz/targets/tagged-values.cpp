@@ -1,6 +1,7 @@
 #include <Vela/System/Rsc/Marshaling.hpp>
 
 #include <FuzzTarget.hpp>
+#include <Service/NotificationMarshaling.hpp>
 #include <TestService.hpp>
 #include <Transport/Messages.hpp>
 
@@ -73,6 +74,8 @@ constexpr void (*checks[])(std::span<const std::byte>) = {
     &CheckAs<WelcomeMessage>,
     &CheckAs<OpenMessage>,
     &CheckAs<OpenedMessage>,
+    &CheckAs<System::Nm::Internal::NotificationBatch>,
+    &CheckAs<System::Nm::Internal::NotificationDelivery>,
 };
 
 /// The first byte says what the others are read as.
