@@ -12,7 +12,7 @@ namespace
 
 const std::vector<std::string> filePaths{"Default.config", "device/Device.config", "project/Project.config",
                                          "project/parts/More.config"};
-const std::vector<std::string> processNames{"Main", "A", "B", "a", "Zeta"};
+const std::vector<std::string> processNames{"Main", "A", "B", "a", "Zeta", ""};
 const std::vector<std::string> componentNames{"pump",      "Pump", "valve", "Scm",  "Diagnosis", "monitor",
                                               "monitor@A", "b.1",  "a",     "tank", "tank2",     "z"};
 const std::vector<std::string> types{"Pump", "Valve", "Monitor", "Scm"};

@@ -173,7 +173,7 @@ void ConfigurationModel::DistributeGenericComponents()
     {
         for (const auto& [process, ignored] : processes)
         {
-            const bool isReference = process == ConfigurationCase::mainProcess;
+            const bool isReference = process.empty() || process == ConfigurationCase::mainProcess;
             if (!isReference && sample.isSingleProcess)
             {
                 continue;
