@@ -31,63 +31,29 @@ const std::string loses = "lose ";
 template <typename Controllers>
 std::string Operate(Controllers& controllers, const std::string& operation)
 {
-    static const std::map<std::string, std::function<std::string(Controllers&)>> operations{
-        {"LoadLibraries",
-         [](auto& on)
-         {
-             return on.LoadLibraries(), "";
-         }},
-        {"Create",
-         [](auto& on)
-         {
-             return on.CreateComponents(), "";
-         }},
-        {"Settings",
-         [](auto& on)
-         {
-             return on.SetupComponentsSettings(), "";
-         }},
-        {"Config",
-         [](auto& on)
-         {
-             return on.SetupComponentsConfig() ? "true" : "false";
-         }},
-        {"Start",
-         [](auto& on)
-         {
-             return on.StartComponents() ? "true" : "false";
-         }},
-        {"PowerDown",
-         [](auto& on)
-         {
-             return on.PowerDownComponents(), "";
-         }},
-        {"Stop",
-         [](auto& on)
-         {
-             return on.StopComponents(), "";
-         }},
-        {"Reset",
-         [](auto& on)
-         {
-             return on.ResetComponentsConfig(), "";
-         }},
-        {"Dispose",
-         [](auto& on)
-         {
-             return on.DisposeComponents(), "";
-         }},
-        {"Destroy",
-         [](auto& on)
-         {
-             return on.DestroyComponents(), "";
-         }},
+    static const std::map<std::string, void (Controllers::*)()> actions{
+        {"LoadLibraries", &Controllers::LoadLibraries},
+        {"Create", &Controllers::CreateComponents},
+        {"Settings", &Controllers::SetupComponentsSettings},
+        {"PowerDown", &Controllers::PowerDownComponents},
+        {"Stop", &Controllers::StopComponents},
+        {"Reset", &Controllers::ResetComponentsConfig},
+        {"Dispose", &Controllers::DisposeComponents},
+        {"Destroy", &Controllers::DestroyComponents},
     };
-    if (const auto found = operations.find(operation); found != operations.end())
+    static const std::map<std::string, bool (Controllers::*)()> questions{
+        {"Config", &Controllers::SetupComponentsConfig},
+        {"Start", &Controllers::StartComponents},
+    };
+    if (const auto found = questions.find(operation); found != questions.end())
     {
-        return found->second(controllers);
+        return (controllers.*found->second)() ? "true" : "false";
     }
-    if (operation.starts_with(loses))
+    if (const auto found = actions.find(operation); found != actions.end())
+    {
+        (controllers.*found->second)();
+    }
+    else if (operation.starts_with(loses))
     {
         controllers.LoseComponent(operation.substr(loses.size()));
     }

@@ -413,19 +413,7 @@ void LifecycleModel::Call(const Component& component, const std::string& operati
     {
         throw ModelFailure::From(RscException(GetFaultText(declared.name, operation)));
     }
-    ProcessManagerModel& manager = component.process->manager;
-    if (operation == "Create")
-    {
-        manager.Create(declared);
-    }
-    else if (operation == "Destroy")
-    {
-        manager.Destroy(declared);
-    }
-    else
-    {
-        manager.TakeStep(declared, operation);
-    }
+    component.process->manager.Operate(declared, operation);
 }
 
 void LifecycleModel::Report(const char* activity, const Component& component, const Failure& failure)

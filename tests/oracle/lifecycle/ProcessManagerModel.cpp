@@ -91,6 +91,23 @@ void ProcessManagerModel::UnloadLibrary(const std::string& name)
     }
 }
 
+void ProcessManagerModel::Operate(const ComponentCase& component, const std::string& operation)
+{
+    static const std::map<std::string, void (ProcessManagerModel::*)(const ComponentCase&)> operations{
+        {"Create", &ProcessManagerModel::Create},
+        {"Destroy", &ProcessManagerModel::Destroy},
+        {"BuildUp", &ProcessManagerModel::BuildUp},
+        {"TearDown", &ProcessManagerModel::TearDown}};
+    if (const auto found = operations.find(operation); found != operations.end())
+    {
+        (this->*found->second)(component);
+    }
+    else
+    {
+        TakeStep(component, operation);
+    }
+}
+
 void ProcessManagerModel::Create(const ComponentCase& component)
 {
     const std::string type = component.GetType();
@@ -218,14 +235,7 @@ bool ProcessManagerModel::Attempt(const ComponentCase& component, const char* ac
 {
     try
     {
-        if (step == "Destroy")
-        {
-            Destroy(component);
-        }
-        else
-        {
-            TakeStep(component, step);
-        }
+        Operate(component, step);
         return true;
     }
     catch (const ModelFailure& failure)

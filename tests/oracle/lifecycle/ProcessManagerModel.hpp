@@ -37,16 +37,18 @@ public:
     /// All operations throw a ModelFailure.
     void LoadLibrary(const std::string& name, const std::string& path);
     void UnloadLibrary(const std::string& name);
-    void Create(const ComponentCase& component);
-    void Destroy(const ComponentCase& component);
-    void TakeStep(const ComponentCase& component, const std::string& step);
-    void BuildUp(const ComponentCase& component);
-    void TearDown(const ComponentCase& component);
+    /// "Create", "Destroy", "BuildUp", "TearDown", or a step of the component's own.
+    void Operate(const ComponentCase& component, const std::string& operation);
 
     /// The process ends with the components that are left.
     void End();
 
 private:
+    void Create(const ComponentCase& component);
+    void Destroy(const ComponentCase& component);
+    void BuildUp(const ComponentCase& component);
+    void TearDown(const ComponentCase& component);
+    void TakeStep(const ComponentCase& component, const std::string& step);
     /// Answers whether it succeeded; otherwise the log tells.
     bool Attempt(const ComponentCase& component, const char* activity, const std::string& step);
     void Undo(const ComponentCase& component, std::size_t depth);

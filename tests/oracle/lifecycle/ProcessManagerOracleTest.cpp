@@ -12,67 +12,31 @@ namespace Vela::Testing
 namespace
 {
 
-using System::Kiro::Internal::Pm::ProcessManager;
-using ComponentOperation = std::function<void(ProcessManager&, const ComponentCase&)>;
+const std::vector<std::string> verbs{
+    "Create",       "Destroy",       "BuildUp",         "TearDown",   "Initialize",  "SubscribeServices",
+    "LoadSettings", "SetupSettings", "PublishServices", "LoadConfig", "SetupConfig", "Start",
+    "Stop",         "ResetConfig",   "Dispose",         "PowerDown"};
 
-/// A step that takes the component's name alone.
-template <void (ProcessManager::*Step)(const String&) const>
-void Take(ProcessManager& manager, const ComponentCase& component)
+/// Carries out an operation, of the model or of the real process: "Load", "Unload", or a verb and a component.
+template <typename Libraries, typename Process>
+std::string Operate(Libraries& libraries, Process& process, const LifecycleCase& system, const std::string& operation)
 {
-    (manager.*Step)(component.name);
-}
-
-const std::map<std::string, ComponentOperation> componentOperations{
-    {"Create",
-     [](ProcessManager& manager, const ComponentCase& component)
-     {
-         manager.CreateComponent(component.GetType(), component.name, component.library);
-     }},
-    {"Destroy",
-     [](ProcessManager& manager, const ComponentCase& component)
-     {
-         manager.DestroyComponent(component.name);
-     }},
-    {"BuildUp",
-     [](ProcessManager& manager, const ComponentCase& component)
-     {
-         manager.BuildUpComponent(component.name, component.GetType(), component.library, component.settingsPath);
-     }},
-    {"TearDown",
-     [](ProcessManager& manager, const ComponentCase& component)
-     {
-         manager.TearDownComponent(component.name);
-     }},
-    {"LoadSettings",
-     [](ProcessManager& manager, const ComponentCase& component)
-     {
-         manager.LoadComponentSettings(component.name, component.settingsPath);
-     }},
-    {"Initialize", Take<&ProcessManager::InitializeComponent>},
-    {"SubscribeServices", Take<&ProcessManager::SubscribeComponentServices>},
-    {"SetupSettings", Take<&ProcessManager::SetupComponentSettings>},
-    {"PublishServices", Take<&ProcessManager::PublishComponentServices>},
-    {"LoadConfig", Take<&ProcessManager::LoadComponentConfig>},
-    {"SetupConfig", Take<&ProcessManager::SetupComponentConfig>},
-    {"Start", Take<&ProcessManager::StartComponent>},
-    {"Stop", Take<&ProcessManager::StopComponent>},
-    {"ResetConfig", Take<&ProcessManager::ResetComponentConfig>},
-    {"Dispose", Take<&ProcessManager::DisposeComponent>},
-    {"PowerDown", Take<&ProcessManager::PowerDownComponent>},
-};
-
-/// An operation reads "Load", "Unload", or one of the above with the component behind it.
-const ComponentCase* FindComponent(const LifecycleCase& system, const std::string& operation)
-{
-    const std::string name = operation.substr(operation.find(' ') + 1);
-    const auto found = std::find_if(system.components.begin(), system.components.end(),
-                                    [&](const ComponentCase& component) { return component.name == name; });
-    return found == system.components.end() ? nullptr : &*found;
-}
-
-std::string GetVerb(const std::string& operation)
-{
-    return operation.substr(0, operation.find(' '));
+    if (operation == "Load")
+    {
+        libraries.LoadLibrary(LifecycleCase::recordingLibrary, RecorderStage::GetLibraryPath());
+    }
+    else if (operation == "Unload")
+    {
+        libraries.UnloadLibrary(LifecycleCase::recordingLibrary);
+    }
+    for (const ComponentCase& component : system.components)
+    {
+        if (operation.ends_with(" " + component.name))
+        {
+            process.Operate(component, operation.substr(0, operation.find(' ')));
+        }
+    }
+    return {};
 }
 
 LifecycleCase Generate(Random& random)
@@ -85,11 +49,6 @@ LifecycleCase Generate(Random& random)
         {
             component.isSingleton = true;
         }
-    }
-    std::vector<std::string> verbs;
-    for (const auto& [verb, ignored] : componentOperations)
-    {
-        verbs.push_back(verb);
     }
     system.operations.emplace_back("Load");
     for (std::size_t count = random.Below(20); count > 0 && !system.components.empty(); --count)
@@ -109,38 +68,7 @@ Trace Predict(const LifecycleCase& system)
     ProcessManagerModel model(trace, "");
     for (const std::string& operation : system.operations)
     {
-        const ComponentCase* component = FindComponent(system, operation);
-        const std::string verb = GetVerb(operation);
-        RunModelOperation(
-            trace, operation,
-            [&]
-            {
-                if (operation == "Load")
-                {
-                    model.LoadLibrary(LifecycleCase::recordingLibrary, RecorderStage::GetLibraryPath());
-                }
-                else if (operation == "Unload")
-                {
-                    model.UnloadLibrary(LifecycleCase::recordingLibrary);
-                }
-                else if (component != nullptr)
-                {
-                    const std::map<std::string, void (ProcessManagerModel::*)(const ComponentCase&)> whole{
-                        {"Create", &ProcessManagerModel::Create},
-                        {"Destroy", &ProcessManagerModel::Destroy},
-                        {"BuildUp", &ProcessManagerModel::BuildUp},
-                        {"TearDown", &ProcessManagerModel::TearDown}};
-                    if (const auto found = whole.find(verb); found != whole.end())
-                    {
-                        (model.*found->second)(*component);
-                    }
-                    else
-                    {
-                        model.TakeStep(*component, verb);
-                    }
-                }
-                return std::string();
-            });
+        RunModelOperation(trace, operation, [&] { return Operate(model, model, system, operation); });
     }
     model.End();
     return trace;
@@ -152,28 +80,10 @@ Trace Observe(RecorderStage& stage, const LifecycleCase& system)
     Trace trace;
     {
         RecorderProcess process(LifecycleCase::mainProcess, system);
-        ProcessManager& manager = process.GetManager();
         for (const std::string& operation : system.operations)
         {
-            const ComponentCase* component = FindComponent(system, operation);
             RunRealOperation(stage, trace, operation,
-                             [&]
-                             {
-                                 if (operation == "Load")
-                                 {
-                                     manager.LoadLibrary(LifecycleCase::recordingLibrary,
-                                                         RecorderStage::GetLibraryPath());
-                                 }
-                                 else if (operation == "Unload")
-                                 {
-                                     manager.UnloadLibrary(LifecycleCase::recordingLibrary);
-                                 }
-                                 else if (component != nullptr)
-                                 {
-                                     componentOperations.at(GetVerb(operation))(manager, *component);
-                                 }
-                                 return std::string();
-                             });
+                             [&] { return Operate(process.GetManager(), process, system, operation); });
         }
     }
     stage.TakeLog(trace);

@@ -2,8 +2,63 @@
 
 #include <Vela/CaughtException.hpp>
 
+#include <algorithm>
+
 namespace Vela::Testing
 {
+
+using System::Kiro::Internal::Pm::ProcessManager;
+
+namespace
+{
+
+using Operation = void (*)(ProcessManager& manager, const ComponentCase& component);
+
+/// An operation that takes the component's name alone.
+template <auto Member>
+void ByName(ProcessManager& manager, const ComponentCase& component)
+{
+    (manager.*Member)(component.name);
+}
+
+template <void (ProcessManager::*Step)(const String&) const>
+constexpr Operation stepByName = ByName<Step>;
+
+void Create(ProcessManager& manager, const ComponentCase& component)
+{
+    manager.CreateComponent(component.GetType(), component.name, component.library);
+}
+
+void BuildUp(ProcessManager& manager, const ComponentCase& component)
+{
+    manager.BuildUpComponent(component.name, component.GetType(), component.library, component.settingsPath);
+}
+
+void LoadSettings(ProcessManager& manager, const ComponentCase& component)
+{
+    manager.LoadComponentSettings(component.name, component.settingsPath);
+}
+
+const std::map<std::string, Operation> operations{
+    {"Create", Create},
+    {"Destroy", ByName<&ProcessManager::DestroyComponent>},
+    {"BuildUp", BuildUp},
+    {"TearDown", ByName<&ProcessManager::TearDownComponent>},
+    {"Initialize", stepByName<&ProcessManager::InitializeComponent>},
+    {"SubscribeServices", stepByName<&ProcessManager::SubscribeComponentServices>},
+    {"LoadSettings", LoadSettings},
+    {"SetupSettings", stepByName<&ProcessManager::SetupComponentSettings>},
+    {"PublishServices", stepByName<&ProcessManager::PublishComponentServices>},
+    {"LoadConfig", stepByName<&ProcessManager::LoadComponentConfig>},
+    {"SetupConfig", stepByName<&ProcessManager::SetupComponentConfig>},
+    {"Start", stepByName<&ProcessManager::StartComponent>},
+    {"Stop", stepByName<&ProcessManager::StopComponent>},
+    {"ResetConfig", stepByName<&ProcessManager::ResetComponentConfig>},
+    {"Dispose", stepByName<&ProcessManager::DisposeComponent>},
+    {"PowerDown", stepByName<&ProcessManager::PowerDownComponent>},
+};
+
+} // namespace
 
 RecorderProcess::RecorderProcess(std::string processName, const LifecycleCase& wholeSystem)
     : name(std::move(processName))
@@ -17,9 +72,14 @@ RecorderProcess::~RecorderProcess()
     manager.Dispose();
 }
 
-RecorderProcess::ProcessManager& RecorderProcess::GetManager() noexcept
+ProcessManager& RecorderProcess::GetManager() noexcept
 {
     return manager;
+}
+
+void RecorderProcess::Operate(const ComponentCase& component, const std::string& operation)
+{
+    operations.at(operation)(manager, component);
 }
 
 String RecorderProcess::GetName() const
@@ -55,71 +115,10 @@ RecorderProcess::Properties RecorderProcess::CreateComponent(const Text& type, c
         [&] { return manager.CreateComponent(type.ToString(), component.ToString(), libraryName.ToString()); });
 }
 
-void RecorderProcess::DestroyComponent(const Text& component)
-{
-    Reach(component, "Destroy");
-    manager.DestroyComponent(component.ToString());
-}
-
 void RecorderProcess::LoadComponentSettings(const Text& component, const Text& settingsPath)
 {
     Reach(component, "LoadSettings");
     CallAcrossLibrary([&] { manager.LoadComponentSettings(component.ToString(), settingsPath.ToString()); });
-}
-
-void RecorderProcess::InitializeComponent(const Text& component)
-{
-    Take(component, "Initialize", &ProcessManager::InitializeComponent);
-}
-
-void RecorderProcess::SetupComponentSettings(const Text& component)
-{
-    Take(component, "SetupSettings", &ProcessManager::SetupComponentSettings);
-}
-
-void RecorderProcess::SubscribeComponentServices(const Text& component)
-{
-    Take(component, "SubscribeServices", &ProcessManager::SubscribeComponentServices);
-}
-
-void RecorderProcess::LoadComponentConfig(const Text& component)
-{
-    Take(component, "LoadConfig", &ProcessManager::LoadComponentConfig);
-}
-
-void RecorderProcess::SetupComponentConfig(const Text& component)
-{
-    Take(component, "SetupConfig", &ProcessManager::SetupComponentConfig);
-}
-
-void RecorderProcess::PublishComponentServices(const Text& component)
-{
-    Take(component, "PublishServices", &ProcessManager::PublishComponentServices);
-}
-
-void RecorderProcess::StartComponent(const Text& component)
-{
-    Take(component, "Start", &ProcessManager::StartComponent);
-}
-
-void RecorderProcess::StopComponent(const Text& component)
-{
-    Take(component, "Stop", &ProcessManager::StopComponent);
-}
-
-void RecorderProcess::ResetComponentConfig(const Text& component)
-{
-    Take(component, "ResetConfig", &ProcessManager::ResetComponentConfig);
-}
-
-void RecorderProcess::DisposeComponent(const Text& component)
-{
-    Take(component, "Dispose", &ProcessManager::DisposeComponent);
-}
-
-void RecorderProcess::PowerDownComponent(const Text& component)
-{
-    Take(component, "PowerDown", &ProcessManager::PowerDownComponent);
 }
 
 bool RecorderProcess::SetEnvironmentVariable(const System::Rsc::RscString<128>& variable,
@@ -128,23 +127,26 @@ bool RecorderProcess::SetEnvironmentVariable(const System::Rsc::RscString<128>& 
     return manager.SetEnvironmentVariable(variable.ToString(), value.ToString());
 }
 
-void RecorderProcess::Reach(const Text& component, const std::string& step) const
+const ComponentCase& RecorderProcess::Reach(const Text& component, const std::string& step) const
 {
-    for (const ComponentCase& declared : system.components)
+    const auto declared = std::find_if(system.components.begin(), system.components.end(),
+                                       [&](const ComponentCase& one) { return one.name == component.ToString(); });
+    if (declared == system.components.end())
     {
-        const auto fault = declared.faults.find(step);
-        if (declared.name == component.ToString() && fault != declared.faults.end() && fault->second == Fault::Lost)
-        {
-            throw RscException(GetFaultText(declared.name, step));
-        }
+        throw InvalidOperationException("The case has no component '{0}'.", component.ToString());
     }
+    const auto fault = declared->faults.find(step);
+    if (fault != declared->faults.end() && fault->second == Fault::Lost)
+    {
+        throw RscException(GetFaultText(declared->name, step));
+    }
+    return *declared;
 }
 
-void RecorderProcess::Take(const Text& component, const char* step,
-                           void (ProcessManager::*operation)(const String&) const) const
+void RecorderProcess::Take(const Text& component, const std::string& step)
 {
-    Reach(component, step);
-    CallAcrossLibrary([&] { (manager.*operation)(component.ToString()); });
+    const ComponentCase& declared = Reach(component, step);
+    CallAcrossLibrary([&] { Operate(declared, step); });
 }
 
 } // namespace Vela::Testing

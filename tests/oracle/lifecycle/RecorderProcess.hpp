@@ -23,6 +23,9 @@ public:
     ~RecorderProcess() override;
 
     [[nodiscard]] System::Kiro::Internal::Pm::ProcessManager& GetManager() noexcept;
+    /// Lets the process manager do what the case calls so: "Create", "BuildUp", "Initialize", ...
+    void Operate(const ComponentCase& component, const std::string& operation);
+
     [[nodiscard]] String GetName() const override;
     void RequestProcessShutdown() override;
 
@@ -30,27 +33,31 @@ public:
     bool LoadLibrary(const Text& libraryName, const Text& libraryPath) override;
     void UnloadLibrary(const Text& libraryName) override;
     Properties CreateComponent(const Text& type, const Text& component, const Text& libraryName) override;
-    void DestroyComponent(const Text& component) override;
-    void InitializeComponent(const Text& component) override;
     void LoadComponentSettings(const Text& component, const Text& settingsPath) override;
-    void SetupComponentSettings(const Text& component) override;
-    void SubscribeComponentServices(const Text& component) override;
-    void LoadComponentConfig(const Text& component) override;
-    void SetupComponentConfig(const Text& component) override;
-    void PublishComponentServices(const Text& component) override;
-    void StartComponent(const Text& component) override;
-    void StopComponent(const Text& component) override;
-    void ResetComponentConfig(const Text& component) override;
-    void DisposeComponent(const Text& component) override;
-    void PowerDownComponent(const Text& component) override;
     bool SetEnvironmentVariable(const System::Rsc::RscString<128>& variable,
                                 System::Rsc::RscVariant<512> value) override;
+
+    // clang-format off
+    void DestroyComponent(const Text& component) override { Take(component, "Destroy"); }
+    void InitializeComponent(const Text& component) override { Take(component, "Initialize"); }
+    void SetupComponentSettings(const Text& component) override { Take(component, "SetupSettings"); }
+    void SubscribeComponentServices(const Text& component) override { Take(component, "SubscribeServices"); }
+    void LoadComponentConfig(const Text& component) override { Take(component, "LoadConfig"); }
+    void SetupComponentConfig(const Text& component) override { Take(component, "SetupConfig"); }
+    void PublishComponentServices(const Text& component) override { Take(component, "PublishServices"); }
+    void StartComponent(const Text& component) override { Take(component, "Start"); }
+    void StopComponent(const Text& component) override { Take(component, "Stop"); }
+    void ResetComponentConfig(const Text& component) override { Take(component, "ResetConfig"); }
+    void DisposeComponent(const Text& component) override { Take(component, "Dispose"); }
+    void PowerDownComponent(const Text& component) override { Take(component, "PowerDown"); }
+    // clang-format on
 
 private:
     using ProcessManager = System::Kiro::Internal::Pm::ProcessManager;
 
-    void Reach(const Text& component, const std::string& step) const;
-    void Take(const Text& component, const char* step, void (ProcessManager::*operation)(const String&) const) const;
+    /// The component, when the call comes through.
+    const ComponentCase& Reach(const Text& component, const std::string& step) const;
+    void Take(const Text& component, const std::string& step);
 
     const std::string name;
     const LifecycleCase& system;
