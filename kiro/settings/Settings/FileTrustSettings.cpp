@@ -18,6 +18,7 @@ void FileTrustSettings::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::X
         {documentsXmlName, TrustedFile::Document},
         {securitySettingsXmlName, TrustedFile::SecuritySettings},
         {librariesXmlName, TrustedFile::Library},
+        {executablesXmlName, TrustedFile::Executable},
         {runtimeDirectoryXmlName, TrustedFile::RuntimeDirectory},
     };
     for (const auto& [name, use] : uses)

@@ -14,6 +14,7 @@ public:
     static constexpr const char* documentsXmlName = "documents";
     static constexpr const char* securitySettingsXmlName = "securitySettings";
     static constexpr const char* librariesXmlName = "libraries";
+    static constexpr const char* executablesXmlName = "executables";
     static constexpr const char* runtimeDirectoryXmlName = "runtimeDirectory";
 
     /// @throws InvalidOperationException when others can change this very file and that is to be refused

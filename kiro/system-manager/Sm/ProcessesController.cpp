@@ -4,6 +4,7 @@
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+#include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
 #include <Vela/System/Rsc/RscVariant.hpp>
 
@@ -90,6 +91,7 @@ void ProcessesController::StartChild(ProcessData& process)
         }
         else
         {
+            Commons::Io::FileTrust::Require(Commons::Io::TrustedFile::Executable, process.binaryPath);
             process.process.Start(process.workingDirectory, process.binaryPath, process.args, options);
         }
     }

@@ -38,8 +38,9 @@ struct Use
 
 Use& GetUse(TrustedFile use)
 {
-    static std::array<Use, 4> uses{Use{"File", TrustPolicy::Warn}, Use{"Security settings file", TrustPolicy::Refuse},
-                                   Use{"Library", TrustPolicy::Warn}, Use{"Runtime directory", TrustPolicy::Refuse}};
+    static std::array<Use, 5> uses{Use{"File", TrustPolicy::Warn}, Use{"Security settings file", TrustPolicy::Refuse},
+                                   Use{"Library", TrustPolicy::Warn}, Use{"Executable", TrustPolicy::Warn},
+                                   Use{"Runtime directory", TrustPolicy::Refuse}};
     return uses.at(static_cast<std::size_t>(use));
 }
 

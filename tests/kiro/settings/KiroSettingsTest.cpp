@@ -61,6 +61,7 @@ TEST_F(KiroSettingsTest, DecideWhatHappensToFilesThatOthersCanChange)
     const ScopedTrustPolicy documents(TrustedFile::Document, TrustPolicy::Warn);
     const ScopedTrustPolicy securitySettings(TrustedFile::SecuritySettings, TrustPolicy::Refuse);
     const ScopedTrustPolicy libraries(TrustedFile::Library, TrustPolicy::Warn);
+    const ScopedTrustPolicy executables(TrustedFile::Executable, TrustPolicy::Warn);
     const ScopedTrustPolicy runtimeDirectory(TrustedFile::RuntimeDirectory, TrustPolicy::Refuse);
     const CapturedLog log;
     const String included = directory.Write("included.settings", "<KiroSettingsDocument/>");
@@ -70,10 +71,11 @@ TEST_F(KiroSettingsTest, DecideWhatHappensToFilesThatOthersCanChange)
     EXPECT_TRUE(log.Contains("File '" + included + "' can be changed by other users: '" + included +
                              "' is writable for everybody (mode 666)."));
 
-    Load(R"(<FileTrust securitySettings="Warn" libraries="Refuse" runtimeDirectory="Ignore"/>)");
+    Load(R"(<FileTrust securitySettings="Warn" libraries="Refuse" executables="Refuse" runtimeDirectory="Ignore"/>)");
     EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::Document), TrustPolicy::Warn);
     EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::SecuritySettings), TrustPolicy::Warn);
     EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::Library), TrustPolicy::Refuse);
+    EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::Executable), TrustPolicy::Refuse);
     EXPECT_EQ(FileTrust::GetPolicy(TrustedFile::RuntimeDirectory), TrustPolicy::Ignore);
 
     const String refuse = R"(<FileTrust documents="Refuse"/>)";

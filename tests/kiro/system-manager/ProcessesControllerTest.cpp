@@ -9,6 +9,7 @@
 #include <Sm/ProcessesController.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 
+#include <ScopedTrustPolicy.hpp>
 #include <TemporaryDirectory.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 #include <list>
 
 using namespace Vela;
@@ -307,6 +309,21 @@ TEST_F(ProcessesControllerTest, NamesTheProcessWhoseExecutableIsMissing)
     Configure();
     EXPECT_THROW(controller->StartProcesses(), Exception);
     EXPECT_THAT(log.GetLines("Error"), ElementsAre("Error: Could not start process 'Lost'."));
+}
+
+TEST_F(ProcessesControllerTest, RunsNoExecutableThatOthersCanChangeWhenThatIsRefused)
+{
+    const ScopedTrustPolicy refuse(System::Commons::Io::TrustedFile::Executable,
+                                   System::Commons::Io::TrustPolicy::Refuse);
+    AddShell("Good", "exit 0");
+    const std::string tool = directory.Write("tool", "#!/bin/sh\ntouch '" + directory / "ran" + "'\n");
+    std::filesystem::permissions(tool, std::filesystem::perms(0777));
+    Add("Open").binaryPath = tool;
+    Configure();
+    EXPECT_THROW(controller->StartProcesses(), InvalidOperationException);
+    EXPECT_THAT(log.GetLines("Error"), ElementsAre("Error: Could not start process 'Open'."));
+    controller->StopProcesses();
+    EXPECT_FALSE(std::filesystem::exists(directory / "ran"));
 }
 
 TEST_F(ProcessesControllerTest, KillsWhatDoesNotEndWithinOneDeadlineForAll)

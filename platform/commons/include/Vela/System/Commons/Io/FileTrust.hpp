@@ -19,6 +19,8 @@ enum class TrustedFile : std::uint8_t
     Document,
     SecuritySettings,
     Library,
+    /// Of a child process.
+    Executable,
     RuntimeDirectory,
 };
 
