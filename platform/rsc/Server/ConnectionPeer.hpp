@@ -6,8 +6,8 @@
 
 #include <sys/types.h>
 
-#include <compare>
 #include <cstdint>
+#include <tuple>
 
 namespace Vela::System::Rsc
 {
@@ -36,7 +36,12 @@ public:
     /// "process 12", "user 1000" or "TCP".
     [[nodiscard]] String ToString() const;
 
-    auto operator<=>(const ConnectionPeer&) const = default;
+    bool operator==(const ConnectionPeer&) const = default;
+
+    bool operator<(const ConnectionPeer& other) const noexcept
+    {
+        return std::tie(kind, id) < std::tie(other.kind, other.id);
+    }
 
 private:
     ConnectionPeer(Kind peerKind, std::int64_t peerId) noexcept;
