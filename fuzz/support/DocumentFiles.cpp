@@ -26,9 +26,19 @@ bool Contains(std::string_view text, std::initializer_list<std::string_view> par
                        [text](std::string_view part) { return text.find(part) != std::string_view::npos; });
 }
 
+/// Looks at every value between quotes.
 bool MaySearchOutside(std::string_view input)
 {
-    return Contains(input, {"*", "?", "["}) && Contains(input, {"..", "\"/", "'/", "&#"});
+    while (!input.empty())
+    {
+        const std::string_view value = input.substr(0, input.find_first_of("\"'"));
+        if (Contains(value, {"*", "?", "["}) && (value.starts_with('/') || Contains(value, {"..", "&#", "${"})))
+        {
+            return true;
+        }
+        input.remove_prefix(std::min(value.size() + 1, input.size()));
+    }
+    return false;
 }
 
 void WriteFile(const String& path, std::string_view text)
@@ -53,7 +63,7 @@ DocumentFiles::DocumentFiles(std::initializer_list<const char*> names)
 
 bool DocumentFiles::Write(std::string_view input) const
 {
-    if (MaySearchOutside(input))
+    if (paths.size() > 1 && MaySearchOutside(input))
     {
         return false;
     }

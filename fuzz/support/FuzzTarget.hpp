@@ -17,7 +17,8 @@ namespace Vela::Fuzz
 class FuzzTarget
 {
 public:
-    using Run = void (*)(std::string_view input);
+    /// @return whether the input was read to its end; false when it was refused in order
+    using Run = bool (*)(std::string_view input);
 
     FuzzTarget(const char* name, Run run);
     FuzzTarget(const FuzzTarget&) = delete;

@@ -11,7 +11,7 @@ namespace
 using System::Commons::Runtime::QuoteArgument;
 using System::Commons::Runtime::SplitArguments;
 
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     const String text(input);
     Require(SplitArguments(QuoteArgument(text)) == std::vector{text}, "a quoted text is one argument");
@@ -19,7 +19,7 @@ void Run(std::string_view input)
     std::vector<String> arguments;
     if (GetRefusal([&] { arguments = SplitArguments(text); }))
     {
-        return;
+        return false;
     }
     String joined;
     for (const String& argument : arguments)
@@ -27,6 +27,7 @@ void Run(std::string_view input)
         joined += QuoteArgument(argument) + ' ';
     }
     Require(SplitArguments(joined) == arguments, "arguments that were joined are split again");
+    return true;
 }
 
 const FuzzTarget target("arguments", &Run);

@@ -41,24 +41,26 @@ void Check(const KiroConfiguration& configuration)
     }
 }
 
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     static const DocumentFiles files{"System.kiro.config", "Plant.kiro.config", "parts/Control.kiro.config"};
     SetUpCheckedLog();
     if (!files.Write(input))
     {
-        return;
+        return false;
     }
     ClearEnvironment();
     const Outcome first(files.GetRootPath(), false);
     const Outcome second(files.GetRootPath(), false);
     Require(first.refusal == second.refusal, "the same documents are refused the same way again");
-    if (!first.refusal)
+    if (first.refusal)
     {
-        Require(first.configuration.Equals(second.configuration), "the same documents give the same configuration");
-        Check(first.configuration);
-        Require(!Outcome(files.GetRootPath(), true).refusal, "a configuration also serves a single process");
+        return false;
     }
+    Require(first.configuration.Equals(second.configuration), "the same documents give the same configuration");
+    Check(first.configuration);
+    Require(!Outcome(files.GetRootPath(), true).refusal, "a configuration also serves a single process");
+    return true;
 }
 
 const FuzzTarget target("configuration", &Run);

@@ -81,7 +81,7 @@ void CheckPlaceholders(const String& text)
     GetRefusal(check);
 }
 
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     SetUpCheckedLog();
     ClearEnvironment();
@@ -98,7 +98,8 @@ void Run(std::string_view input)
             variables.Publish(false);
         }
     };
-    if (!GetRefusal(publish) && isDefined)
+    const bool isPublished = !GetRefusal(publish) && isDefined;
+    if (isPublished)
     {
         CheckValues(variables);
         const auto values = GetValues(variables);
@@ -106,6 +107,7 @@ void Run(std::string_view input)
         Require(GetValues(variables) == values, "publishing again changes nothing");
     }
     Environment::Dispose();
+    return isPublished;
 }
 
 const FuzzTarget target("environment", &Run);

@@ -203,7 +203,7 @@ void CheckAnswers(const std::vector<FrameHeader>& requests, const std::vector<Fr
 }
 
 /// The first byte chooses the kind of socket, the rest is what the client sends before it ends its side.
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     static const auto server = []
     {
@@ -212,7 +212,7 @@ void Run(std::string_view input)
     }();
     if (input.empty())
     {
-        return;
+        return false;
     }
     const bool isTcp = input.front() == 't';
     const String stream = WithoutWaits(input.substr(1, 65536));
@@ -232,11 +232,12 @@ void Run(std::string_view input)
         Require(std::all_of(answers.begin() + 1, answers.end(),
                             [](const FrameHeader& answer) { return answer.kind == FrameKind::Refusal; }),
                 "a TCP client that proves nothing gets nothing");
-        return;
+        return false;
     }
     std::vector<FrameHeader> requests;
     VisitFrames(AsBytes(stream), [&](const FrameHeader& header, std::size_t) { requests.push_back(header); });
     CheckAnswers(requests, answers);
+    return answers.size() == requests.size();
 }
 
 const FuzzTarget target("frames", &Run);

@@ -20,7 +20,7 @@ bool IsPrintable(const String& text)
     return std::all_of(text.begin(), text.end(), [](char character) { return character >= ' ' && character <= '~'; });
 }
 
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     std::size_t reads = 0;
     const ReadBytes read = [&](std::uint64_t offset, std::span<std::byte> target)
@@ -50,6 +50,7 @@ void Run(std::string_view input)
                               note->layoutHash != BinaryContract::layoutHash),
                 "exactly another contract is refused");
     }
+    return note.has_value();
 }
 
 const FuzzTarget target("library-notes", &Run);

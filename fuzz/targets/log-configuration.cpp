@@ -12,14 +12,11 @@ namespace
 using namespace System::Commons::Diagnostics;
 
 /// Files and connections of the sinks are not opened.
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     static const DocumentFiles files{"Log.settings"};
     SetUpCheckedLog();
-    if (!files.Write(input))
-    {
-        return;
-    }
+    files.Write(input);
     const auto load = [&]
     {
         LogConfiguration(LogLevel::Info, files.GetRootPath());
@@ -27,6 +24,7 @@ void Run(std::string_view input)
     const auto refusal = GetRefusal(load);
     Require(!refusal || refusal->find(files.GetRootPath()) != refusal->npos, "a refusal names the file");
     Require(GetRefusal(load) == refusal, "the same file is read the same way again");
+    return !refusal;
 }
 
 const FuzzTarget target("log-configuration", &Run);

@@ -37,20 +37,19 @@ void Check(const AccessControl& accessControl, std::string_view text)
     }
 }
 
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     static const DocumentFiles files{"Security.settings"};
     SetUpCheckedLog();
-    if (!files.Write(input))
-    {
-        return;
-    }
+    files.Write(input);
     std::shared_ptr<const AccessControl> accessControl;
-    if (!GetRefusal([&] { accessControl = AccessControl::Load(files.GetRootPath()); }))
+    if (GetRefusal([&] { accessControl = AccessControl::Load(files.GetRootPath()); }))
     {
-        Require(accessControl->AdmitsOthers(), "a file that was read counts");
-        Check(*accessControl, input);
+        return false;
     }
+    Require(accessControl->AdmitsOthers(), "a file that was read counts");
+    Check(*accessControl, input);
+    return true;
 }
 
 const FuzzTarget target("security-settings", &Run);

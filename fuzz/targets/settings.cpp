@@ -62,14 +62,17 @@ Outcome Load(const String& path)
     return outcome;
 }
 
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     static const DocumentFiles files{"Default.kiro.settings", "Deprecated.kiro.settings", "more/Plant.kiro.settings"};
     SetUpCheckedLog();
-    if (files.Write(input))
+    if (!files.Write(input))
     {
-        Require(Load(files.GetRootPath()) == Load(files.GetRootPath()), "the same documents give the same settings");
+        return false;
     }
+    const Outcome first = Load(files.GetRootPath());
+    Require(first == Load(files.GetRootPath()), "the same documents give the same settings");
+    return !first.refusal;
 }
 
 const FuzzTarget target("settings", &Run);

@@ -35,7 +35,7 @@ void CheckText(const Variant& variant)
 }
 
 /// Values that follow each other until one is malformed.
-void Run(std::string_view input)
+bool Run(std::string_view input)
 {
     const auto bytes = AsBytes(input);
     RemotingReader reader(bytes);
@@ -45,7 +45,7 @@ void Run(std::string_view input)
         Variant variant;
         if (GetRefusal([&] { ReadRemote(reader, variant); }))
         {
-            return;
+            return false;
         }
         const auto taken = bytes.subspan(begin, bytes.size() - reader.GetRemaining() - begin);
         Require(variant.GetType() == static_cast<RscTypeCode>(taken.front()), "a variant has the type that arrived");
@@ -55,6 +55,7 @@ void Run(std::string_view input)
         WriteRemote(writer, variant);
         Require(std::ranges::equal(writer.GetData(), taken), "a variant is written as it was read");
     }
+    return true;
 }
 
 const FuzzTarget target("variants", &Run);
