@@ -37,15 +37,15 @@ constexpr Group groups[] = {
 const std::map<std::string, void (*)(const Arguments&)> roles{
     {"raw-server", ServeRawPingPong}, {"server", ServeCalls}, {"broker", RunBroker}, {"subscriber", RunSubscriber}};
 
-int PrintUsage()
+int PrintUsage(std::ostream& stream, int exitCode)
 {
-    std::cerr << "usage: kiro-bench [--quick] [ROW...]\n       kiro-bench rpc --line\n\nrows:\n";
+    stream << "usage: kiro-bench [--quick] [ROW...]\n       kiro-bench rpc --line\n\nrows:\n";
     for (const Group& group : groups)
     {
-        std::cerr << "  " << group.name << std::string(12 - std::string(group.name).size(), ' ') << group.description
-                  << '\n';
+        stream << "  " << group.name << std::string(12 - std::string(group.name).size(), ' ') << group.description
+               << '\n';
     }
-    return 2;
+    return exitCode;
 }
 
 int Run(const Arguments& arguments)
@@ -66,6 +66,10 @@ int Run(const Arguments& arguments)
         {
             effort.isQuick = true;
         }
+        else if (argument == "--help")
+        {
+            return PrintUsage(std::cout, 0);
+        }
         else if (argument == "--line")
         {
             isLine = true;
@@ -76,14 +80,14 @@ int Run(const Arguments& arguments)
         }
         else
         {
-            return PrintUsage();
+            return PrintUsage(std::cerr, 2);
         }
     }
     if (isLine)
     {
         if (chosen.size() != 1 || std::string(chosen[0]->name) != "rpc")
         {
-            return PrintUsage();
+            return PrintUsage(std::cerr, 2);
         }
         std::cout << MeasureRemoteCallLine(effort) << '\n';
         return 0;

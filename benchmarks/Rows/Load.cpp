@@ -9,7 +9,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 
 namespace Vela::Benchmarks
@@ -45,8 +44,8 @@ double ParseFiles(const std::vector<std::string>& paths)
     std::size_t elements = 0;
     for (const std::string& path : paths)
     {
-        std::ifstream stream(path, std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+        std::string text(std::filesystem::file_size(path), '\0');
+        std::ifstream(path, std::ios::binary).read(text.data(), static_cast<std::streamsize>(text.size()));
         const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
                                                                                   &XML_ParserFree);
         XML_SetUserData(parser.get(), &elements);

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <tuple>
 
 namespace Vela::Benchmarks
 {
@@ -73,7 +74,7 @@ std::vector<Row> MeasureLog(Effort effort)
     disabled.floor *= nanosecondsPerMicrosecond;
     const auto written = Compare(
         "log line", rounds, PerCall(effort.Choose(10'000, 10), [&] { Writer::WriteLine(component, process); }),
-        PerCall(effort.Choose(10'000, 10), [&] { static_cast<void>(::write(file.Get(), line.data(), line.size())); }));
+        PerCall(effort.Choose(10'000, 10), [&] { std::ignore = ::write(file.Get(), line.data(), line.size()); }));
     LogManager::DisposeInstance();
     return {{"log: disabled statement", "ns", disabled, "a branch that is not taken"},
             {"log: line to a file", "us", written, "write(2) of the same bytes"}};

@@ -13,6 +13,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <tuple>
 
 namespace
 {
@@ -72,7 +73,7 @@ private:
         const String line = fmt::format("{} {} {:.1f} {}\n", GetName(), step, now.count(), heap.uordblks + heap.hblkhd);
         const char* path = std::getenv("KIRO_BENCH_REPORTS");
         const System::Commons::UniqueFd pipe(path == nullptr ? -1 : ::open(path, O_WRONLY | O_CLOEXEC));
-        static_cast<void>(::write(pipe.Get(), line.data(), line.size()));
+        std::ignore = ::write(pipe.Get(), line.data(), line.size());
     }
 };
 
