@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace Vela::System::Kiro::Internal::Sm::Config
 {
@@ -19,7 +20,7 @@ void Components::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSeria
               {
                   Component component;
                   component.ReadXml(reader, context);
-                  AddItem(component);
+                  AddItem(std::move(component));
               });
 }
 
@@ -28,14 +29,15 @@ bool Components::Equals(const Components& other) const
     return EqualItems(items, other.items) && EqualItems(multiProcessItems, other.multiProcessItems);
 }
 
-void Components::AddItem(const Component& component)
+void Components::AddItem(Component component)
 {
     if (AddToExisting(items, component) || AddToExisting(multiProcessItems, component))
     {
         return;
     }
     Map& target = component.process == multiProcessIndicator ? multiProcessItems : items;
-    target.emplace(component.name, component);
+    String name = component.name;
+    target.emplace(std::move(name), std::move(component));
 }
 
 /// Answers false when the map has no component of that name.

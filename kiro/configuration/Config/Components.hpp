@@ -29,7 +29,7 @@ public:
 
     /// Adds a component. When there is a built-in one of that name, it takes over process and settings path instead.
     /// @throws InvalidConfigException "Duplicated component name occurs: '{0}'"
-    void AddItem(const Component& component);
+    void AddItem(Component component);
     /// Whether a component of that type is configured in that process; if so, a warning says that it goes before the
     /// generic one.
     [[nodiscard]] bool HasItemInProcessYet(const String& type, const String& process) const;

@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace Vela::System::Commons::Xml
 {
 
@@ -28,6 +30,7 @@ XmlFile::XmlFile(const String& path, const XmlPosition& includedFrom, Io::Truste
     }
     Io::FileTrust::Require(use, path, file.Get());
     identity = {status.st_dev, status.st_ino};
+    expectedSize = static_cast<std::uint64_t>(status.st_size);
 }
 
 XmlFile::Identity XmlFile::GetIdentity() const noexcept
@@ -37,25 +40,29 @@ XmlFile::Identity XmlFile::GetIdentity() const noexcept
 
 String XmlFile::Read() const
 {
-    constexpr std::size_t blockSize = std::size_t{64} * 1024;
-    String text;
+    // Room for one byte more than the file is said to have shows its end; a file that has grown meanwhile gets more.
+    String text(std::min<std::uint64_t>(expectedSize, XmlReader::maxSize) + 1, '\0');
+    std::size_t size = 0;
     for (;;)
     {
-        const std::size_t size = text.size();
-        text.resize(size + blockSize);
-        const ssize_t count = RetryInterrupted([&] { return read(file.Get(), text.data() + size, blockSize); });
+        const ssize_t count = RetryInterrupted([&] { return read(file.Get(), &text[size], text.size() - size); });
         if (count < 0)
         {
             Throw(GetErrorText(errno));
         }
-        text.resize(size + static_cast<std::size_t>(count));
         if (count == 0)
         {
+            text.resize(size);
             return text;
         }
-        if (text.size() > XmlReader::maxSize)
+        size += static_cast<std::size_t>(count);
+        if (size > XmlReader::maxSize)
         {
             Throw(fmt::format("larger than {} bytes", XmlReader::maxSize));
+        }
+        if (size == text.size())
+        {
+            text.resize(2 * size);
         }
     }
 }

@@ -8,6 +8,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
 namespace Vela::System::Commons::Xml
@@ -37,6 +38,7 @@ private:
     const XmlPosition position;
     UniqueFd file;
     Identity identity{};
+    std::uint64_t expectedSize = 0;
 };
 
 } // namespace Vela::System::Commons::Xml

@@ -137,6 +137,7 @@ void XMLCALL XmlParser::OnStartElement(void* self, const XML_Char* name, const X
                                        fmt::format("Elements are nested deeper than {}.", XmlReader::maxDepth));
             }
             XmlEvent event{XmlEvent::Kind::StartElement, 0, GetLocalName(name), {}};
+            event.attributes.reserve(static_cast<std::size_t>(XML_GetSpecifiedAttributeCount(parser.parser.get())) / 2);
             for (; *attributes != nullptr; attributes += 2)
             {
                 if (!HasNamespace(attributes[0]))
