@@ -1,6 +1,6 @@
 #include <Vela/System/Commons/Chrono/DateTime.hpp>
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 #include <chrono>
 
@@ -21,7 +21,7 @@ String DateTime::ToString() const
     const auto day = floor<days>(time);
     const year_month_day date{sys_days(day)};
     const hh_mm_ss clock{time - day};
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:06}Z", static_cast<int>(date.year()),
+    return fmt::format(FMT_COMPILE("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:06}Z"), static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), clock.hours().count(),
                        clock.minutes().count(), clock.seconds().count(), clock.subseconds().count());
 }

@@ -5,7 +5,7 @@
 #include <Vela/System/Commons/PlainText.hpp>
 
 #include <Diagnostics/LogRecord.hpp>
-#include <fmt/format.h>
+#include <fmt/compile.h>
 #include <unistd.h>
 
 #include <iterator>
@@ -48,8 +48,8 @@ String FormatLine(const LogRecord& record, const String& processName)
     const char* level = FindEnumString(record.level);
     String line;
     line.reserve(record.text.size() + record.category.size() + processName.size() + 64);
-    fmt::format_to(std::back_inserter(line), "{} {}[{}] {:<5} {}: ", record.time.ToString(), processName, ::getpid(),
-                   level == nullptr ? "" : level, record.category);
+    fmt::format_to(std::back_inserter(line), FMT_COMPILE("{} {}[{}] {:<5} {}: "), record.time.ToString(), processName,
+                   ::getpid(), level == nullptr ? "" : level, record.category);
     AppendIndented(line, record.text);
     line += '\n';
     return line;
