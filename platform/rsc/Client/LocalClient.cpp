@@ -18,10 +18,11 @@ namespace
 class LocalLease final : public IRscServiceLease
 {
 public:
-    LocalLease(ServiceRegistry::Lease registryLease, const String& processName, const char* operationName)
+    LocalLease(ServiceRegistry::Lease registryLease, std::shared_ptr<const RscCaller> ownCaller,
+               const char* operationName)
         : lease(std::move(registryLease))
-        , caller{::geteuid(), ::getpid(), processName}
-        , scope(caller)
+        , caller(std::move(ownCaller))
+        , scope(*caller)
     {
         lease.GetStub().Authorize(operationName);
     }
@@ -33,7 +34,7 @@ public:
 
 private:
     ServiceRegistry::Lease lease;
-    const RscCaller caller;
+    const std::shared_ptr<const RscCaller> caller;
     const CallerScope scope;
 };
 
@@ -41,13 +42,13 @@ private:
 
 LocalClient::LocalClient(std::shared_ptr<ServiceRegistry> serviceRegistry, String ownProcessName)
     : registry(std::move(serviceRegistry))
-    , processName(std::move(ownProcessName))
+    , caller(std::make_shared<const RscCaller>(RscCaller{::geteuid(), ::getpid(), std::move(ownProcessName)}))
 {
 }
 
 const String& LocalClient::GetProcessName() const noexcept
 {
-    return processName;
+    return caller->processName;
 }
 
 std::unique_ptr<IRscServiceLease> LocalClient::TryLease(const RscCall& call)
@@ -57,7 +58,7 @@ std::unique_ptr<IRscServiceLease> LocalClient::TryLease(const RscCall& call)
     {
         throw MakeFailure(call);
     }
-    return std::make_unique<LocalLease>(*std::move(lease), processName, call.operation.name);
+    return std::make_unique<LocalLease>(*std::move(lease), caller, call.operation.name);
 }
 
 std::unique_ptr<IRscTransaction> LocalClient::BeginTransaction(const RscCall& call)
@@ -70,7 +71,7 @@ RscException LocalClient::MakeFailure(const RscCall& call) const
     return RscException(
         "Call of operation '{0}' of service '{1}' in process '{2}' failed: the service is not published "
         "any more",
-        call.operation.name, call.serviceName, processName);
+        call.operation.name, call.serviceName, caller->processName);
 }
 
 } // namespace Vela::System::Rsc

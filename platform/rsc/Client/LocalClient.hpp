@@ -3,6 +3,7 @@
 #include "Server/ServiceRegistry.hpp"
 
 #include <Vela/String.hpp>
+#include <Vela/System/Rsc/RscCaller.hpp>
 #include <Vela/System/Rsc/RscClient.hpp>
 
 #include <memory>
@@ -25,7 +26,7 @@ private:
     [[nodiscard]] RscException MakeFailure(const RscCall& call) const;
 
     const std::shared_ptr<ServiceRegistry> registry;
-    const String processName;
+    const std::shared_ptr<const RscCaller> caller;
 };
 
 } // namespace Vela::System::Rsc

@@ -75,7 +75,7 @@ ProcessClient::Taken ProcessClient::Take(bool isReserved)
         }
         else
         {
-            inUse.insert(taken.connection->channel.get());
+            inUse.push_back(taken.connection->channel.get());
         }
         isReservedInUse = isReservedInUse || taken.isReserved;
     }
@@ -116,7 +116,7 @@ std::unique_ptr<Connection> ProcessClient::Connect()
     {
         throw TransportException(TransportFailure::Closed, "the connections to the process were closed");
     }
-    inUse.insert(made->channel.get());
+    inUse.push_back(made->channel.get());
     return made;
 }
 
@@ -125,7 +125,7 @@ void ProcessClient::Return(Taken taken, bool isUsable) noexcept
     const std::lock_guard lock(mutex);
     if (taken.connection != nullptr)
     {
-        inUse.erase(taken.connection->channel.get());
+        std::erase(inUse, taken.connection->channel.get());
     }
     if (taken.isReserved)
     {

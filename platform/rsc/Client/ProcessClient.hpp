@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <vector>
 
 namespace Vela::System::Rsc
@@ -70,7 +69,7 @@ private:
     std::vector<std::unique_ptr<Connection>> idle;
     std::unique_ptr<Connection> idleReserved;
     bool isReservedInUse = false;
-    std::set<FrameChannel*> inUse;
+    std::vector<FrameChannel*> inUse;
     /// Connections that are being made, idle or in use.
     std::size_t count = 0;
     bool isClosed = false;
