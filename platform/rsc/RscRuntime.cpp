@@ -254,7 +254,16 @@ bool RscRuntime::Close() noexcept
     const bool hasEnded = left == 0 && registry->WaitUntilUnused(Clock::now() + abortTime);
     if (hasEnded)
     {
-        registry->Withdraw([](const ServiceKey&) { return true; }, Clock::now());
+        try
+        {
+            registry->Withdraw([](const ServiceKey&) { return true; }, Clock::now());
+        }
+        catch (...)
+        {
+            // They go with the registry.
+            log.Warning("The services of process '{0}' could not be withdrawn: {1}", applicationName,
+                        CaughtException::Current().GetText());
+        }
     }
     else
     {
@@ -296,7 +305,15 @@ void RscRuntime::CloseEndpointNames() noexcept
         const std::lock_guard lock(publishMutex);
         for (const String& component : std::exchange(linkedComponents, {}))
         {
-            directory->Unlink(GetComponentFileName(component), socketFileName);
+            try
+            {
+                directory->Unlink(GetComponentFileName(component), socketFileName);
+            }
+            catch (...)
+            {
+                log.Warning("The name of component '{0}' could not be removed: {1}", component,
+                            CaughtException::Current().GetText());
+            }
         }
     }
     directory->Remove(socketFileName);

@@ -76,12 +76,13 @@ void ComponentsController::SetupConfig(const Config::KiroConfiguration& configur
             {
                 throw Invalid(configured, fmt::format("Library '{0}' is unknown.", configured.library));
             }
-            auto& record = process->second->libraries[component->library];
-            if (!record)
+            auto& records = process->second->libraries;
+            if (!records.contains(component->library))
             {
-                record = std::make_shared<LibraryData>();
+                auto record = std::make_shared<LibraryData>();
                 record->name = library->second.name;
                 record->path = library->second.binaryPath;
+                records.emplace(component->library, record);
                 if (!library->second.GetDependencies().GetItems().empty())
                 {
                     log.Info("Library '{0}': its dependencies are left to the system's loader.", record->name);

@@ -31,11 +31,11 @@ void ProcessesController::SetupConfig(const Config::KiroConfiguration& configura
         }
         processes.emplace(process->name, process);
     }
-    auto& mainProcess = processes[mainProcessName];
-    if (!mainProcess)
+    if (!processes.contains(mainProcessName))
     {
-        mainProcess = std::make_shared<ProcessData>();
+        auto mainProcess = std::make_shared<ProcessData>();
         mainProcess->name = mainProcessName;
+        processes.emplace(mainProcessName, std::move(mainProcess));
     }
 }
 

@@ -28,7 +28,7 @@ LogLevel LogLevels::GetDefault() const noexcept
 
 LogLevel LogLevels::Get(const String& category) const
 {
-    String prefix = category;
+    std::string_view prefix = category;
     while (!prefixes.empty() && !prefix.empty())
     {
         if (const auto found = prefixes.find(prefix); found != prefixes.end())
@@ -36,7 +36,7 @@ LogLevel LogLevels::Get(const String& category) const
             return found->second;
         }
         const auto dot = prefix.rfind('.');
-        prefix.resize(dot == String::npos ? 0 : dot);
+        prefix = prefix.substr(0, dot == std::string_view::npos ? 0 : dot);
     }
     return defaultLevel;
 }

@@ -21,7 +21,8 @@ public:
 
 private:
     LogLevel defaultLevel;
-    std::map<String, LogLevel> prefixes;
+    /// Found by parts of a category without a copy of it.
+    std::map<String, LogLevel, std::less<>> prefixes;
 };
 
 /// What a log manager is made from.

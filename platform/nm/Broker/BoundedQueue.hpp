@@ -15,7 +15,7 @@ template <typename Entry>
 class BoundedQueue
 {
 public:
-    explicit BoundedQueue(const NotificationLimits& limits) noexcept
+    explicit BoundedQueue(const NotificationLimits& limits)
         : maxCount(limits.maxQueuedNotifications)
         , maxSize(limits.maxQueuedBytes)
     {

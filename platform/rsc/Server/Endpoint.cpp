@@ -54,11 +54,12 @@ struct Endpoint::Board
         static_cast<void>(::eventfd_read(wakeEvent.Get(), &count));
     }
 
-    void ReportEnd(std::size_t worker)
+    /// Must not fail: there is nobody in the thread to tell.
+    void ReportEnd(std::atomic<bool>& hasEnded)
     {
         {
             const std::lock_guard lock(mutex);
-            finished.push_back(worker);
+            hasEnded = true;
             --running;
             ended.notify_all();
         }
@@ -68,7 +69,6 @@ struct Endpoint::Board
     const Commons::UniqueFd wakeEvent;
     std::mutex mutex;
     std::condition_variable ended;
-    std::vector<std::size_t> finished;
     std::size_t running = 0;
     bool isStopping = false;
 };
@@ -168,9 +168,11 @@ void Endpoint::Accept(int listener, Transport transport)
 void Endpoint::Serve(Commons::UniqueFd socket, const ConnectionPeer& peer, RscCaller caller)
 {
     auto connection = std::make_shared<ServerConnection>(server, std::move(socket), peer, std::move(caller));
+    const auto hasEnded = std::make_shared<std::atomic<bool>>(false);
     const std::size_t id = nextWorker++;
     Worker& worker = workers[id];
     worker.connection = connection;
+    worker.hasEnded = hasEnded;
     worker.begin = Clock::now();
     {
         const std::lock_guard lock(board->mutex);
@@ -179,11 +181,11 @@ void Endpoint::Serve(Commons::UniqueFd socket, const ConnectionPeer& peer, RscCa
     try
     {
         worker.thread = std::thread(
-            [connection, sharedBoard = board, id]
+            [connection, sharedBoard = board, hasEnded]
             {
                 Commons::Threading::Thread::SetCurrentName("rsc-server");
                 connection->Serve();
-                sharedBoard->ReportEnd(id);
+                sharedBoard->ReportEnd(*hasEnded);
             });
     }
     catch (...)
@@ -258,16 +260,17 @@ bool Endpoint::EndOldestHandshake(const ConnectionPeer& peer)
 
 void Endpoint::JoinFinished()
 {
-    std::vector<std::size_t> finished;
+    for (auto worker = workers.begin(); worker != workers.end();)
     {
-        const std::lock_guard lock(board->mutex);
-        finished.swap(board->finished);
-    }
-    for (const std::size_t id : finished)
-    {
-        const auto worker = workers.find(id);
-        worker->second.thread.join();
-        workers.erase(worker);
+        if (*worker->second.hasEnded)
+        {
+            worker->second.thread.join();
+            worker = workers.erase(worker);
+        }
+        else
+        {
+            ++worker;
+        }
     }
 }
 

@@ -6,6 +6,7 @@
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/UniqueFd.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -51,6 +52,8 @@ private:
         Clock::time_point begin;
         /// Cut for the sake of others; its thread is about to end.
         bool isGivenUp = false;
+        /// Set by the thread when nothing but its end is left.
+        std::shared_ptr<std::atomic<bool>> hasEnded;
         std::thread thread;
     };
 

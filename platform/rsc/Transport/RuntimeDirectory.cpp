@@ -100,6 +100,15 @@ UniqueFd MakeSocket()
     return socket;
 }
 
+using LinkTarget = std::array<char, NAME_MAX + 1>;
+
+/// Empty when there is no such link.
+std::string_view ReadLinkTarget(int directory, const String& linkName, LinkTarget& target) noexcept
+{
+    const auto length = ::readlinkat(directory, linkName.c_str(), target.data(), target.size());
+    return {target.data(), length < 0 ? 0 : static_cast<std::size_t>(length)};
+}
+
 } // namespace
 
 RuntimeDirectory::RuntimeDirectory(Use use)
@@ -216,7 +225,8 @@ void RuntimeDirectory::Remove(const String& fileName) const noexcept
 
 void RuntimeDirectory::Unlink(const String& linkName, const String& socketFileName) const noexcept
 {
-    if (ReadLink(linkName) == socketFileName)
+    LinkTarget target{};
+    if (ReadLinkTarget(descriptor.Get(), linkName, target) == socketFileName)
     {
         Remove(linkName);
     }
@@ -245,9 +255,8 @@ void RuntimeDirectory::RemoveLeftovers() const
 
 String RuntimeDirectory::ReadLink(const String& linkName) const
 {
-    std::array<char, NAME_MAX + 1> target{};
-    const auto length = ::readlinkat(descriptor.Get(), linkName.c_str(), target.data(), target.size());
-    return length < 0 ? String() : String(target.data(), static_cast<std::size_t>(length));
+    LinkTarget target{};
+    return String(ReadLinkTarget(descriptor.Get(), linkName, target));
 }
 
 std::vector<String> RuntimeDirectory::List() const

@@ -40,7 +40,7 @@ public:
         throw Exception("Singleton instance of type '{0}' was not created yet!", GetTypeName<T>());
     }
 
-    static T* TryGetInstance() noexcept
+    static T* TryGetInstance()
     {
         return static_cast<T*>(Slot().instance.load(std::memory_order_acquire));
     }
@@ -72,7 +72,7 @@ public:
     }
 
 private:
-    static SingletonSlot& Slot() noexcept
+    static SingletonSlot& Slot()
     {
         static SingletonSlot& slot = GetSingletonSlot(GetRawTypeName(typeid(T)));
         return slot;

@@ -179,8 +179,13 @@ template <PayloadClass T>
 std::vector<NotificationField> WritePayload(const T& payload)
 {
     return std::apply(
-        [&payload](const auto&... field) {
-            return std::vector<NotificationField>{{field.name, Internal::ToValue(payload.*field.member)}...};
+        [&payload](const auto&... field)
+        {
+            // One by one: the compiler does not clean up a list that fails half-way.
+            std::vector<NotificationField> fields;
+            fields.reserve(sizeof...(field));
+            (fields.push_back({field.name, Internal::ToValue(payload.*field.member)}), ...);
+            return fields;
         },
         T::Fields());
 }
