@@ -54,7 +54,14 @@ Recorder::~Recorder()
     {
         thread.join();
     }
-    Take("Destroy");
+    try
+    {
+        Take("Destroy");
+    }
+    catch (const std::bad_alloc&)
+    {
+        // What the script throws may end the process; a lost line of the trace must not.
+    }
 }
 
 void Recorder::Take(const char* step)

@@ -162,7 +162,14 @@ public:
 
     ~RecordingLibrary() override
     {
-        Trace("-", "-", "Unload");
+        try
+        {
+            Trace("-", "-", "Unload");
+        }
+        catch (const std::bad_alloc&)
+        {
+            // A lost line of the trace must not end the process.
+        }
     }
 
     IComponentFactory& GetComponentFactory() override
