@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <thread>
 
 namespace Vela::Testing
 {
@@ -104,7 +105,16 @@ protected:
                 before = Holdings::Of(process);
             }
         }
-        Holdings::ExpectNoGrowth(before, Holdings::Of(process), rounds - warmUp);
+        // A connection that has just been closed may still be on its way out.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        Holdings after = Holdings::Of(process);
+        while ((after.descriptors > before.descriptors || after.threads > before.threads) &&
+               std::chrono::steady_clock::now() < deadline)
+        {
+            std::this_thread::yield();
+            after = Holdings::Of(process);
+        }
+        Holdings::ExpectNoGrowth(before, after, rounds - warmUp);
     }
 };
 

@@ -54,6 +54,11 @@ Recorder::~Recorder()
     {
         thread.join();
     }
+    TakeLast();
+}
+
+void Recorder::TakeLast()
+{
     try
     {
         Take("Destroy");

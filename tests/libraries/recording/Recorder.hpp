@@ -50,6 +50,8 @@ protected:
 private:
     class Service;
 
+    void TakeLast();
+
     /// Writes the step into trace and log.
     void Report(const char* step) const;
     void Act(const String& action);
