@@ -178,7 +178,7 @@ void ConfigurationModel::DistributeGenericComponents()
             {
                 continue;
             }
-            const DeclaredComponent copy{.name = isReference ? genericName : genericName + "@" + process,
+            const DeclaredComponent copy{.name = isReference ? genericName : fmt::format("{}@{}", genericName, process),
                                          .type = generic.declared.type,
                                          .library = generic.declared.library,
                                          .process = process};

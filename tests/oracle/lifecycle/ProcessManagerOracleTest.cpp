@@ -53,11 +53,10 @@ LifecycleCase Generate(Random& random)
     system.operations.emplace_back("Load");
     for (std::size_t count = random.Below(20); count > 0 && !system.components.empty(); --count)
     {
-        const std::string& name = random.Pick(system.components).name;
-        const std::string verb =
+        std::string operation =
             random.Chance(45) ? random.Pick<std::string>({"BuildUp", "BuildUp", "TearDown"}) : random.Pick(verbs);
-        system.operations.push_back(random.Chance(12) ? random.Pick<std::string>({"Load", "Unload"})
-                                                      : verb + " " + name);
+        operation += " " + random.Pick(system.components).name;
+        system.operations.push_back(random.Chance(12) ? random.Pick<std::string>({"Load", "Unload"}) : operation);
     }
     return system;
 }
