@@ -417,7 +417,7 @@ void FaultScenario::CheckLeftovers(const std::string& when)
     for (const auto& entry : std::filesystem::recursive_directory_iterator(system.directory.GetPath()))
     {
         const std::string name = entry.path().filename().string();
-        Require(own.contains(name), "left " + when + ": " + name);
+        Require(own.contains(name), std::string("left ").append(when).append(": ").append(name));
     }
 }
 
