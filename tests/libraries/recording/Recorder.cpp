@@ -106,14 +106,16 @@ void Recorder::Act(const String& action)
     }
     else if (verb == "attempt")
     {
+        // Not a virtual call: the destructor, which waits for a thread that comes here, has begun to change the object.
+        const String name = ComponentBase::GetName();
         try
         {
             Act(rest);
-            log.Info("{0} attempted '{1}'.", GetName(), rest);
+            log.Info("{0} attempted '{1}'.", name, rest);
         }
         catch (...)
         {
-            log.Info("{0} attempted '{1}': {2}", GetName(), rest, CaughtException::Current().GetText());
+            log.Info("{0} attempted '{1}': {2}", name, rest, CaughtException::Current().GetText());
         }
     }
     else
