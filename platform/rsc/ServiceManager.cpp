@@ -62,12 +62,23 @@ void ServiceManager::PublishComponentService(const String& componentName, const 
 
 bool ServiceManager::UnpublishService(const String& providerName, const String& interfaceName)
 {
-    return interfaceName.empty() || Withdraw({providerName, interfaceName});
+    if (interfaceName.empty())
+    {
+        return true;
+    }
+    // Not a temporary in a condition: the compiler does not clean one up rightly when its second text cannot be copied.
+    const ServiceKey key{providerName, interfaceName};
+    return Withdraw(key);
 }
 
 bool ServiceManager::UnpublishComponentServices(const String& componentName)
 {
-    return componentName.empty() || Withdraw({componentName, {}});
+    if (componentName.empty())
+    {
+        return true;
+    }
+    const ServiceKey key{componentName, {}};
+    return Withdraw(key);
 }
 
 RscServiceBinding ServiceManager::Bind(const RscServiceProxyFactoryBase& factory, const ServiceProvider& provider)

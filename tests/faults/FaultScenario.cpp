@@ -210,6 +210,11 @@ std::string FaultScenario::MakeScript() const
     else
     {
         const std::string component = cell.phase == Phase::Load ? "-@" + cell.GetProcess() : "Faulty";
+        if (cell.IsOwnFault() && cell.place != Place::Main && !cell.IsLeftToTheWatchdog())
+        {
+            // The watchdog's first look follows its start soon, not at once; here it must be over.
+            text += component + " " + step + " settle ProcessesWatchd\n";
+        }
         text += component + " " + step + " " + (IsHeldAtGate() ? "await " + gate : fault) + "\n";
     }
     if (cell.phase == Phase::PowerDown)

@@ -109,6 +109,8 @@ TEST_F(SurroundingsTest, ADiskThatCannotBeWrittenRefusesTheStartAndSaysWhere)
     EXPECT_TRUE(main.HasOutput("Read-only file system")) << main.GetOutput();
 }
 
+#ifndef VELA_SANITIZED
+// A sanitizer itself needs descriptors: without them it takes sound objects for broken ones.
 TEST_F(SurroundingsTest, AnyNumberOfDescriptorsGivesAWholeSystemOrAClearError)
 {
     system.WriteSettings("<ProcessSettings singleProcess='false' startWaitTime='2s' stopWaitTime='1s'/>");
@@ -140,6 +142,7 @@ TEST_F(SurroundingsTest, AnyNumberOfDescriptorsGivesAWholeSystemOrAClearError)
     }
     EXPECT_GT(failures, 5);
 }
+#endif
 
 TEST_F(SurroundingsTest, ALibraryThatCannotBeLoadedEndsTheStartInOrder)
 {

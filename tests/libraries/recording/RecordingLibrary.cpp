@@ -18,6 +18,7 @@
 //     hang                                          never returns
 //     await <fifo>                                  until somebody has opened the FIFO for writing and closed it again;
 //                                                   when that opening returns, the step is here
+//     settle <thread>                               waits until that thread of the parent process rests
 //     crash | kill | exit <code>                    the process ends: SIGSEGV, SIGKILL, _exit
 //     publish                                       publishes IRecordingService under the component's name
 //     request Shutdown|Restart|PowerDown            asks the system manager
