@@ -132,6 +132,7 @@ TEST_F(EnduranceTest, AMainProcessComesAndGoesWithoutTrace)
                                        "--settings=" + (system.directory / "Default.kiro.settings"),
                                        "--config=" + (system.directory / "Default.kiro.config")};
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size());
     for (std::string& argument : arguments)
     {
         pointers.push_back(argument.data());

@@ -214,6 +214,7 @@ std::vector<FaultCell> ListSliceOfCells()
         pairs[{cell.phase, cell.fault}].push_back(cell);
     }
     std::vector<FaultCell> slice;
+    slice.reserve(pairs.size());
     std::size_t turn = 0;
     for (const auto& [pair, cells] : pairs)
     {
