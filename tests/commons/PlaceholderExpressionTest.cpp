@@ -41,9 +41,10 @@ TEST_F(PlaceholderExpressionTest, EndsGrowthBeforeItTakesTheMemory)
     int generation = 0;
     EXPECT_THROW(
         for (; generation < 100; ++generation) {
-            const String previous = fmt::format("${{PLACE_{}}}", generation);
+            const String fourTimes =
+                fmt::format("${{PLACE_{0}}}${{PLACE_{0}}}${{PLACE_{0}}}${{PLACE_{0}}}", generation);
             Environment::SetVariable(fmt::format("PLACE_{}", generation + 1),
-                                     PlaceholderExpression::Resolve(previous + previous + previous + previous));
+                                     PlaceholderExpression::Resolve(fourTimes));
         },
         InvalidOperationException);
     EXPECT_EQ(generation, 3);
