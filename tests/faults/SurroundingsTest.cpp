@@ -268,7 +268,7 @@ TEST_F(SurroundingsTest, ABusyMachineRaisesNoFalseAlarm)
                     }
                 });
         }
-        StartedProcess main = StartBehind("renice -n 10 -p $$ >/dev/null;");
+        StartedProcess main = StartBehind("renice -n $(($(nice) + 10)) -p $$ >/dev/null;");
         EndInOrder(main);
         isOver = true;
         EXPECT_FALSE(main.HasOutput("Warning")) << main.GetOutput();
