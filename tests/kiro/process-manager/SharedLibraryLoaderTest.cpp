@@ -73,7 +73,7 @@ TEST_F(Loader, RunsNoCodeOfALibraryThatOthersCanChangeWhenThatIsRefused)
         SharedLibraryLoader::Unload(loaded);
     });
     std::filesystem::permissions(library, std::filesystem::perms(0775));
-    EXPECT_THROW(SharedLibraryLoader::Load(library, false, {}), InvalidOperationException);
+    EXPECT_THROW(std::ignore = SharedLibraryLoader::Load(library, false, {}), InvalidOperationException);
     EXPECT_FALSE(IsMapped(library));
 
     // A copy is no safer than the directory in which it is made.
@@ -81,7 +81,7 @@ TEST_F(Loader, RunsNoCodeOfALibraryThatOthersCanChangeWhenThatIsRefused)
     std::filesystem::create_directory(directory / "shadow");
     std::filesystem::permissions(directory / "shadow", std::filesystem::perms(0777));
     Environment::SetVariable(ShadowCopy::shadowDirEnvName, directory / "shadow");
-    EXPECT_THROW(SharedLibraryLoader::Load(library, true, {}), InvalidOperationException);
+    EXPECT_THROW(std::ignore = SharedLibraryLoader::Load(library, true, {}), InvalidOperationException);
 }
 
 TEST_F(Loader, SaysWhichFileIsMissing)
