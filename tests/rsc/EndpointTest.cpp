@@ -38,6 +38,16 @@ protected:
         return RawClient(directory / "Tester.socket");
     }
 
+    /// A client whose call of the published service has begun, and ends when the service is released.
+    [[nodiscard]] RawClient BeginLongCall(std::promise<void>& begun) const
+    {
+        RawClient client = Connect();
+        EXPECT_TRUE(client.Introduce());
+        client.SendFrame(RawClient::call, 7, client.MakeCall(9, MakePayload(60'000)));
+        begun.get_future().get();
+        return client;
+    }
+
     void ExpectFailure(RawClient& client, RscErrorCode code)
     {
         const auto answer = client.Receive();
@@ -190,12 +200,9 @@ TEST_F(EndpointUnderAttack, AnswersACallInProgressBeforeItCloses)
     RscServiceFactory<ITestService> factory(service);
     Open();
     ServiceManager::PublishService({}, factory.GetInterfaceName(), factory);
-    RawClient client = Connect();
     RawClient idle = Connect();
-    ASSERT_TRUE(client.Introduce());
     ASSERT_TRUE(idle.Introduce());
-    client.SendFrame(RawClient::call, 7, client.MakeCall(9, MakePayload(60'000)));
-    begun.get_future().get();
+    RawClient client = BeginLongCall(begun);
 
     auto closing = std::async(std::launch::async, [] { return RscManager::DisposeInstance(); });
     EXPECT_TRUE(idle.IsClosed());
@@ -218,10 +225,7 @@ TEST_F(EndpointUnderAttack, TellsWhenACallOutlivesIt)
     const std::size_t threads = CountThreads();
     Open(false, options);
     ServiceManager::PublishService({}, factory.GetInterfaceName(), factory);
-    RawClient client = Connect();
-    ASSERT_TRUE(client.Introduce());
-    client.SendFrame(RawClient::call, 7, client.MakeCall(9, MakePayload(60'000)));
-    begun->get_future().get();
+    RawClient client = BeginLongCall(*begun);
 
     EXPECT_FALSE(ServiceManager::UnpublishService({}, factory.GetInterfaceName()));
     EXPECT_FALSE(RscManager::DisposeInstance());
@@ -272,10 +276,7 @@ TEST_F(EndpointUnderAttack, LetsACallEndWhileItIsTakenDown)
     const std::size_t threads = CountThreads();
     Open(false, options);
     ServiceManager::PublishService({}, factory.GetInterfaceName(), factory);
-    RawClient client = Connect();
-    ASSERT_TRUE(client.Introduce());
-    client.SendFrame(RawClient::call, 7, client.MakeCall(9, MakePayload(60'000)));
-    begun.get_future().get();
+    RawClient client = BeginLongCall(begun);
 
     auto closing = std::async(std::launch::async, [] { return RscManager::DisposeInstance(); });
     // By then it has given the call up, but may not be gone itself.
