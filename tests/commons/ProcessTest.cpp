@@ -161,6 +161,19 @@ TEST(Process, GivesItsChildACleanStart)
     EXPECT_EQ(report.find("signal"), String::npos) << "blocked or ignored in:\n" << report;
 }
 
+TEST(Process, HoldsSignalsUntilItsChildCanTakeThem)
+{
+    for (const bool holds : {false, true})
+    {
+        ProcessStartOptions options;
+        options.holdsSignals = holds;
+        Process process;
+        process.Start("", "/bin/sh", "-c 'kill -INT $$; kill -TERM $$; exit 7'", options);
+        ASSERT_TRUE(process.WaitForExit(-1));
+        EXPECT_EQ(process.GetExit().ToString(), holds ? "exit code 7" : "signal 2 (Interrupt)");
+    }
+}
+
 TEST(Process, TellsHowItsChildEndedAndReapsItWithItself)
 {
     pid_t id = 0;

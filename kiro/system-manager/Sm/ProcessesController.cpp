@@ -80,6 +80,7 @@ void ProcessesController::StartProcesses()
 void ProcessesController::StartChild(ProcessData& process)
 {
     Commons::Runtime::ProcessStartOptions options;
+    options.holdsSignals = true;
     options.environment = host.GetChildEnvironment();
     options.environment[parentProcessIdVariable] = std::to_string(getpid());
     try

@@ -108,6 +108,11 @@ void SpawnPlan::SetAttributes(Kind kind, const ProcessStartOptions& options)
 {
     sigset_t signals;
     ::sigemptyset(&signals);
+    if (options.holdsSignals)
+    {
+        ::sigaddset(&signals, SIGTERM);
+        ::sigaddset(&signals, SIGINT);
+    }
     Check(::posix_spawnattr_setsigmask(&attributes, &signals));
     ::sigfillset(&signals);
     Check(::posix_spawnattr_setsigdefault(&attributes, &signals));

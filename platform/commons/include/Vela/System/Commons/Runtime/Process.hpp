@@ -21,6 +21,9 @@ struct ProcessStartOptions
     bool inheritsStandardInput = false;
     /// Runs in a process group of its own, so that Ctrl-C does not reach it and Kill ends all that it started.
     bool hasOwnGroup = true;
+    /// Starts with SIGTERM and SIGINT blocked, for a program that reads them (SignalHandler): one that comes before the
+    /// program is ready then waits instead of ending it. Ctrl-C can meet a child before it is in its own group.
+    bool holdsSignals = false;
 };
 
 /// How a process ended.
@@ -44,9 +47,9 @@ public:
     /// Does not end the child; an ended child is reaped.
     ~Process();
 
-    /// Starts a child with a clean signal mask, default dispositions, the environment of this process and the
-    /// processor affinity of the calling thread. Of our descriptors only the standard streams reach it. A process
-    /// object starts one child in its life.
+    /// Starts a child with a clean signal mask (but see holdsSignals), default dispositions, the environment of this
+    /// process and the processor affinity of the calling thread. Of our descriptors only the standard streams reach it.
+    /// A process object starts one child in its life.
     /// @param workingDirectory  empty: the parent's
     /// @param fileName  the executable's path, relative to the working directory; looked up in PATH without a "/"
     /// @param arguments  split by the shell's quoting rules, without any expansion
