@@ -6,6 +6,8 @@ find_package(Boost 1.74 REQUIRED COMPONENTS program_options filesystem)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(Safec REQUIRED IMPORTED_TARGET libsafec)
 pkg_check_modules(Nettle REQUIRED IMPORTED_TARGET nettle)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
 
 if(VELA_BUILD_TESTS)
   find_package(GTest REQUIRED)

@@ -1,0 +1,115 @@
+#include "CommandLine.hpp"
+
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/PlainText.hpp>
+#include <Vela/VelaVersion.hpp>
+
+#include <cstdio>
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+/// One line whatever the text holds.
+ExitCode Report(ExitCode code, std::string_view text)
+{
+    const std::string line = "kiroctl: " + System::Commons::MakePlainText(text) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    return code;
+}
+
+std::string MakeFooter()
+{
+    std::string footer = "Exit codes:\n";
+    for (const auto& [code, meaning] : exitCodeMeanings)
+    {
+        footer += fmt::format("  {}  {}\n", static_cast<int>(code), meaning);
+    }
+    return footer + "\n'kiroctl COMMAND --help' explains a command.";
+}
+
+/// The failures of calls have one exception class; what it says first tells a refusal from silence.
+ExitCode GetCode(const Exception& exception)
+{
+    switch (exception.GetKind())
+    {
+    case ExceptionKind::Rsc:
+        return exception.GetMessage().find("not allowed to") == String::npos ? ExitCode::Unreachable
+                                                                             : ExitCode::Refused;
+    case ExceptionKind::NotExist:
+    case ExceptionKind::KeyNotFound:
+        return ExitCode::NotFound;
+    default:
+        return ExitCode::Failed;
+    }
+}
+
+} // namespace
+
+CommandLine::CommandLine()
+    : app("Checks, explains and controls a Vela Kiro system.", "kiroctl")
+{
+    app.set_version_flag("--version", "kiroctl " + VelaVersion::GetCurrent().ToString(), "Print the version and exit");
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    app.add_flag("--json", options.isJson, "Answer with one JSON document on standard output");
+    app.add_option("--runtime-dir", options.runtimeDirectory,
+                   "Runtime directory of the system; default: VELA_PATH_RUNTIME_DIR, then the user's own")
+        ->type_name("DIR");
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(26);
+    app.footer(MakeFooter());
+    for (const CommandEntry& entry : GetCommands())
+    {
+        CLI::App* commandApp = app.add_subcommand(entry.name, entry.summary);
+        commandApp->group(entry.group);
+        commandApp->fallthrough();
+        commandApp->footer("Options of every command: --json, --runtime-dir DIR (see 'kiroctl --help').");
+        commands.push_back(entry.create());
+        commands.back()->Declare(*commandApp);
+    }
+}
+
+ExitCode CommandLine::Run(int argc, const char* const* argv)
+{
+    try
+    {
+        app.parse(argc, argv);
+        return RunCommand();
+    }
+    catch (const CLI::ParseError& error)
+    {
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+        {
+            app.exit(error);
+            return ExitCode::Success;
+        }
+        return Report(ExitCode::Usage, std::string(error.what()) + " (see 'kiroctl --help')");
+    }
+    catch (const CommandError& error)
+    {
+        return Report(error.GetCode(), error.what());
+    }
+    catch (const Exception& exception)
+    {
+        return Report(GetCode(exception), exception.what());
+    }
+    catch (const std::exception& exception)
+    {
+        return Report(ExitCode::Failed, exception.what());
+    }
+}
+
+ExitCode CommandLine::RunCommand()
+{
+    // The entries were added in their order, and exactly one was named.
+    const auto added = app.get_subcommands([](CLI::App*) { return true; });
+    const auto named = std::find_if(added.begin(), added.end(), [](CLI::App* command) { return command->parsed(); });
+    Session session(options);
+    const ExitCode code = commands.at(static_cast<std::size_t>(named - added.begin()))->Run(session);
+    session.GetOutput().Finish();
+    return code;
+}
+
+} // namespace Vela::Kiroctl

@@ -1,0 +1,20 @@
+#include "Command.hpp"
+
+namespace Vela::Kiroctl
+{
+
+using Create = std::unique_ptr<Command>();
+
+// Each is defined in Commands/<Name>.cpp.
+Create CreateVersion;
+
+std::span<const CommandEntry> GetCommands()
+{
+    static constexpr const char* tool = "The tool itself";
+    static constexpr CommandEntry commands[] = {
+        {"version", tool, "Show the versions of the tool and of what it works with", &CreateVersion},
+    };
+    return commands;
+}
+
+} // namespace Vela::Kiroctl
