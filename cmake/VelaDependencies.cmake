@@ -8,7 +8,5 @@ pkg_check_modules(Safec REQUIRED IMPORTED_TARGET libsafec)
 pkg_check_modules(Nettle REQUIRED IMPORTED_TARGET nettle)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
-
-if(VELA_BUILD_TESTS)
-  find_package(GTest REQUIRED)
-endif()
+# For the tests, and for the test kit of the SDK.
+find_package(GTest REQUIRED)
