@@ -205,7 +205,7 @@ TEST_F(ProcessesControllerTest, StartsChildrenConnectsToAllAndStopsThem)
         // What the runtime does on this request: the process ends.
         AddService(name).reactions["ShutdownProcess"] = [this, name]
         {
-            kill(processes[name]->process.GetId(), SIGTERM);
+            kill(processes[name]->process.GetId(), SIGKILL);
         };
     }
     controller->StartProcesses();
@@ -260,7 +260,7 @@ TEST_F(ProcessesControllerTest, FailsAsSoonAsAChildDiesAtStart)
                                                    "Error: Could not start process 'Dead'."));
     AddService("Alive").reactions["ShutdownProcess"] = [this]
     {
-        kill(processes["Alive"]->process.GetId(), SIGTERM);
+        kill(processes["Alive"]->process.GetId(), SIGKILL);
     };
     processes["Alive"]->processManagerService = services["Alive"];
     controller->StopProcesses();
