@@ -119,6 +119,10 @@ void ApplicationBase::WaitForShutdown()
 void ApplicationBase::LogFatal(const String& message)
 {
     const String name = GetName();
+    if (data->supervision)
+    {
+        data->supervision->ReportFailure(message);
+    }
     if (LogManager::TryGetInstance() != nullptr)
     {
         if (!name.empty())

@@ -141,6 +141,11 @@ void ApplicationBase::SetupSystemManager(bool isMainProcess)
         SystemManagerSingleton::DisposeInstance();
     }
     auto& systemManager = SystemManagerSingleton::CreateInstance(data->roles, settings, singleProcess);
+    if (data->supervision)
+    {
+        data->supervision->SetExamination([&systemManager](std::chrono::milliseconds patience)
+                                          { return systemManager.FindFault(patience); });
+    }
     if (isMainProcess)
     {
         systemManager.PublishServices();
@@ -177,6 +182,10 @@ void ApplicationBase::DisposeSystemManager()
                     throw Exception("The system was not taken down in order.");
                 }
             });
+        if (data->supervision)
+        {
+            data->supervision->SetExamination({});
+        }
         steps.Run([] { Singleton<Sm::SystemManager>::DisposeInstance(); });
         steps.ThrowFirstFailure();
     }

@@ -4,6 +4,7 @@
 #include <Host/DefaultLibraryManager.hpp>
 #include <Host/ProcessorBinding.hpp>
 #include <Host/ShutdownRequest.hpp>
+#include <Host/Supervision.hpp>
 #include <Host/SystemRoles.hpp>
 #include <Settings/KiroSettings.hpp>
 #include <Vela/String.hpp>
@@ -66,6 +67,8 @@ struct ApplicationData
     Settings::KiroSettings settings;
     ProcessorBinding processors;
     std::unique_ptr<Commons::Runtime::SignalHandler> signalHandler;
+    /// Of the main process alone.
+    std::unique_ptr<Supervision> supervision;
     SystemRoles roles;
     /// A call of another process has outlasted remoting: what it may use must stay to the end of the process.
     bool hasRunningCalls = false;

@@ -1,3 +1,4 @@
+#include <Host/ApplicationData.hpp>
 #include <Host/GuardedSteps.hpp>
 #include <Host/ParentProcess.hpp>
 #include <Vela/CaughtException.hpp>
@@ -94,7 +95,10 @@ void MainApplicationBase::SetupInternal()
     ProcessCommandLineInternal();
     if (processKind == ProcessKind::Main)
     {
+        auto& supervision = GetData().supervision;
+        supervision = std::make_unique<Supervision>();
         SetupBasicComponents(mainSetupKind, ProcessKind::Main);
+        supervision->ReportReady();
         return;
     }
     TieLifeToParent();
@@ -117,7 +121,17 @@ void MainApplicationBase::TieLifeToParent()
 void MainApplicationBase::DisposeInternal()
 {
     GuardedSteps steps;
+    const auto& supervision = GetData().supervision;
+    const bool isRestart = IsRestartRequested();
+    if (supervision)
+    {
+        isRestart ? supervision->ReportRestarting() : supervision->ReportStopping();
+    }
     steps.Run([this] { ApplicationBase::DisposeInternal(); });
+    if (supervision && isRestart && IsRestartWithdrawn())
+    {
+        supervision->ReportStopping();
+    }
     if (processKind != ProcessKind::Main)
     {
         steps.Run(

@@ -47,6 +47,14 @@ void SystemRoles::RestartSystem()
     application.RestartSystem();
 }
 
+void SystemRoles::ReportStatus(const String& text)
+{
+    if (data.supervision)
+    {
+        data.supervision->ReportStatus(text);
+    }
+}
+
 std::vector<Services::ComponentInfo> SystemRoles::GetDefaultComponentInfos() const
 {
     const std::shared_ptr<DefaultLibraryManager> manager = data.GetDefaultLibraryManager();

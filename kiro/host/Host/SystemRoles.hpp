@@ -29,6 +29,7 @@ public:
     String GetExecutablePath() const override;
     void RequestShutdown() override;
     void RestartSystem() override;
+    void ReportStatus(const String& text) override;
     std::vector<Services::ComponentInfo> GetDefaultComponentInfos() const override;
     bool ResolveDeprecatedVariableName(const String& name, String& currentName) const override;
     std::map<String, String> GetChildEnvironment() const override;

@@ -32,6 +32,8 @@ public:
     virtual void RequestShutdown() = 0;
     /// Ends the application's wait for shutdown and has the system start again.
     virtual void RestartSystem() = 0;
+    /// What the system does now, in a few words, for whoever supervises the main process.
+    virtual void ReportStatus(const String& text) = 0;
 
     /// Descriptions of the components that the main process has without any configuration.
     virtual std::vector<Services::ComponentInfo> GetDefaultComponentInfos() const = 0;

@@ -74,6 +74,7 @@ void ProcessesController::StartProcesses()
         }
         throw InvalidOperationException("Could not start all processes");
     }
+    lastLook = Clock::now();
     watchdog.Start();
 }
 
@@ -253,14 +254,29 @@ void ProcessesController::SetEnvironmentVariable(const ServiceTable& services, c
     }
 }
 
+String ProcessesController::FindFault(std::chrono::milliseconds patience) const
+{
+    if (isChildGone)
+    {
+        return "A process has exited unexpectedly.";
+    }
+    if (watchdog.IsRunning() && Clock::now() - lastLook.load() > processSettings.GetWatchdogIdleTime() + patience)
+    {
+        return "The watchdog of the processes does not run any more.";
+    }
+    return {};
+}
+
 void ProcessesController::ProcessesWatchdogRun()
 {
+    lastLook = Clock::now();
     for (const auto& [name, process] : processes)
     {
         if (IsMainProcess(*process) || !process->process.HasExited())
         {
             continue;
         }
+        isChildGone = true;
         log.Fatal("Process '{}' has exited unexpectedly.", name);
         for (const auto& [otherName, other] : processes)
         {

@@ -10,6 +10,7 @@
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/Threading/WorkerThread.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <functional>
@@ -70,9 +71,15 @@ public:
     /// One look at the children: when one has exited, kills all others and aborts this process.
     void ProcessesWatchdogRun();
 
+    /// What is wrong with the watch over the children: one of them has gone, or nobody has looked for longer than the
+    /// watchdog's idle time and `patience`. Empty when all is well. From any thread.
+    [[nodiscard]] String FindFault(std::chrono::milliseconds patience) const;
+
     [[nodiscard]] const ServiceTable& GetServices() const noexcept;
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     [[nodiscard]] bool IsMainProcess(const Data::ProcessData& process) const;
     void WarnOfIneffectiveAttributes(const Data::ProcessData& process) const;
     void StartChild(Data::ProcessData& process);
@@ -91,6 +98,8 @@ private:
     const ProcessConnector connector;
     const std::function<void()> abortProcess;
     ServiceTable services;
+    std::atomic<bool> isChildGone{false};
+    std::atomic<Clock::time_point> lastLook{Clock::time_point()};
     Commons::Threading::WorkerThread watchdog;
 };
 

@@ -78,11 +78,22 @@ void SlowCallWatcher::Run()
     }
 }
 
+String SlowCallWatcher::FindCallBeyond(std::chrono::milliseconds patience) const
+{
+    const std::lock_guard lock(mutex);
+    return call.step != nullptr && Clock::now() - call.start > patience ? DescribeCall() : String();
+}
+
 void SlowCallWatcher::Report() const
 {
+    log.Warning("{0}", DescribeCall());
+}
+
+String SlowCallWatcher::DescribeCall() const
+{
     const std::chrono::duration<double> seconds = Clock::now() - call.start;
-    log.Warning("{0} of {1} '{2}' in process '{3}' has not returned after {4:.1f} s.", call.step, call.subject,
-                *call.name, *call.process, seconds.count());
+    return fmt::format("{0} of {1} '{2}' in process '{3}' has not returned after {4:.1f} s.", call.step, call.subject,
+                       *call.name, *call.process, seconds.count());
 }
 
 } // namespace Vela::System::Kiro::Internal::Sm

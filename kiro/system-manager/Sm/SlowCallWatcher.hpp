@@ -40,6 +40,10 @@ public:
     SlowCallWatcher& operator=(const SlowCallWatcher&) = delete;
     ~SlowCallWatcher();
 
+    /// Which call has not returned for longer than `patience`, in words; empty when there is none. From any thread,
+    /// also when nothing is watched.
+    [[nodiscard]] String FindCallBeyond(std::chrono::milliseconds patience) const;
+
 private:
     using Clock = std::chrono::steady_clock;
 
@@ -55,9 +59,10 @@ private:
 
     void Run();
     void Report() const;
+    [[nodiscard]] String DescribeCall() const;
 
     const std::chrono::milliseconds limit;
-    std::mutex mutex;
+    mutable std::mutex mutex;
     std::condition_variable condition;
     Call call;
     bool isWaitingForCall = false;

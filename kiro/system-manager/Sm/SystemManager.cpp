@@ -79,12 +79,17 @@ void SystemManager::LoadConfig()
 
 void SystemManager::SetupSystemSettings()
 {
+    host.ReportStatus("Loading the configuration");
     LoadConfig();
+    host.ReportStatus("Starting the processes");
     processesController.StartProcesses();
     PublishSnapshot();
+    host.ReportStatus("Loading the libraries");
     processesController.LoadLibraries();
+    host.ReportStatus("Creating the components");
     componentsController.CreateComponents();
     PublishSnapshot();
+    host.ReportStatus("Setting up the components");
     componentsController.SetupComponentsSettings();
     PublishSnapshot();
 }
@@ -99,6 +104,7 @@ void SystemManager::SetupSystem()
     notifications.SendStateNotification(SystemManagerState::SettingsReady, false, stateFlag);
 
     bool hasError = false;
+    host.ReportStatus("Configuring the components");
     if (!componentsController.SetupComponentsConfig())
     {
         hasError = true;
@@ -108,6 +114,7 @@ void SystemManager::SetupSystem()
     notifications.SendStateNotification(SystemManagerState::ConfigReady, hasError, stateFlag);
     Nm::NotificationManagerSetup::StartDispatching();
 
+    host.ReportStatus("Starting the components");
     if (!componentsController.StartComponents())
     {
         hasError = true;
@@ -116,6 +123,14 @@ void SystemManager::SetupSystem()
     PublishSnapshot();
     notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
     stateFlag = false;
+    ReportRunning(hasError);
+}
+
+void SystemManager::ReportRunning(bool hasError)
+{
+    const auto current = snapshot.Get();
+    host.ReportStatus(fmt::format("{0}: {1} components in {2} processes", hasError ? "Running with errors" : "Running",
+                                  current->components.size(), current->services.size()));
 }
 
 bool SystemManager::Dispose()
@@ -143,10 +158,13 @@ bool SystemManager::Dispose()
                                  "Unspecified exception occurs while shutting down the system"));
         }
     };
+    host.ReportStatus("Stopping the components");
     guard([this] { componentsController.StopComponents(); });
+    host.ReportStatus("Taking down the components");
     guard([this] { componentsController.ResetComponentsConfig(); });
     guard([this] { componentsController.DisposeComponents(); });
     guard([this] { componentsController.DestroyComponents(); });
+    host.ReportStatus("Stopping the processes");
     guard([this] { processesController.StopProcesses(); });
     guard([this] { PublishSnapshot(); });
     guard([this] { UnpublishServices(); });
@@ -174,6 +192,12 @@ void SystemManager::RequestShutdown()
 void SystemManager::RestartSystem()
 {
     host.RestartSystem();
+}
+
+String SystemManager::FindFault(std::chrono::milliseconds patience) const
+{
+    String fault = processesController.FindFault(patience);
+    return fault.empty() ? slowCalls.FindCallBeyond(patience) : fault;
 }
 
 const Settings::ProcessSettings& SystemManager::GetSettings() const noexcept

@@ -13,6 +13,7 @@
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Kiro/Services/ComponentInfo.hpp>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -59,6 +60,10 @@ public:
     void RequestShutdown();
     void RestartSystem();
 
+    /// What is wrong with the system: a child process has gone, or a call into a component has not returned for longer
+    /// than `patience`. Empty when it is healthy.
+    [[nodiscard]] String FindFault(std::chrono::milliseconds patience) const;
+
     [[nodiscard]] const Settings::ProcessSettings& GetSettings() const noexcept;
     /// Sets a variable in every connected process.
     /// @throws ArgumentException for a name of 128 or a value of 512 bytes or more; the failure of the first process
@@ -78,6 +83,7 @@ public:
 
 private:
     void PublishSnapshot();
+    void ReportRunning(bool hasError);
     void UnpublishServices();
 
     ISystemManagerHost& host;

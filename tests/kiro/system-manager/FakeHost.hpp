@@ -43,6 +43,10 @@ public:
     {
     }
 
+    void ReportStatus(const String& /*text*/) override
+    {
+    }
+
     std::vector<System::Kiro::Services::ComponentInfo> GetDefaultComponentInfos() const override
     {
         return defaultComponents;
