@@ -202,7 +202,8 @@ TEST_F(ProcessesControllerTest, StartsChildrenConnectsToAllAndStopsThem)
     AddService("Main");
     for (const char* name : {"A", "B"})
     {
-        // What the runtime does on this request: the process ends.
+        // What the runtime does on this request: the process ends. A shell has not asked for SIGTERM, which a child
+        // is started with held.
         AddService(name).reactions["ShutdownProcess"] = [this, name]
         {
             kill(processes[name]->process.GetId(), SIGKILL);
