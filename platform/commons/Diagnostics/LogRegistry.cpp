@@ -84,16 +84,21 @@ void LogRegistry::Write(const LogRecord& record) noexcept
     }
 }
 
-void LogRegistry::Keep(const LogRecord& record)
+void LogRegistry::Keep(const LogRecord& record) noexcept
 {
-    if (kept.size() < (IsError(record.level) ? maximumKeptErrors : maximumKept))
+    try
     {
-        kept.push_back(record);
+        if (kept.size() < (IsError(record.level) ? maximumKeptErrors : maximumKept))
+        {
+            kept.push_back(record);
+            return;
+        }
     }
-    else
+    catch (const std::bad_alloc&)
     {
-        ++droppedMessages;
+        // Counted as one for which there is no room, which is what happened.
     }
+    ++droppedMessages;
 }
 
 void LogRegistry::Attach(std::shared_ptr<LogManagerData> managerData)
@@ -126,7 +131,7 @@ void LogRegistry::Detach() noexcept
 
 void LogRegistry::WriteKeptErrors() noexcept
 {
-    std::deque<LogRecord> records;
+    std::vector<LogRecord> records;
     {
         const std::lock_guard lock(mutex);
         records.swap(kept);

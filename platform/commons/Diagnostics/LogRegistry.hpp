@@ -4,10 +4,10 @@
 
 #include <Diagnostics/LogManagerData.hpp>
 
-#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace Vela::System::Commons::Diagnostics
 {
@@ -37,13 +37,13 @@ public:
 
 private:
     [[nodiscard]] std::shared_ptr<LogManagerData> GetData() const;
-    void Keep(const LogRecord& record);
+    void Keep(const LogRecord& record) noexcept;
     void UpdateLevels() noexcept;
 
     mutable std::mutex mutex;
     std::map<String, std::unique_ptr<Logger>> loggers;
     std::shared_ptr<LogManagerData> data;
-    std::deque<LogRecord> kept;
+    std::vector<LogRecord> kept;
     std::size_t droppedMessages = 0;
     bool hadManager = false;
 };

@@ -87,7 +87,11 @@ TEST(SlowCallWatcher, WarnsOfACallBehindOneThatWasOverBeforeTheWatcherWasAwake)
         std::this_thread::yield();
         AwaitSleepOfWatcher();
         const SlowCallWatcher::Watch slow(watcher, "StartComponent", "component", name, name);
-        EXPECT_THAT(AwaitWarnings(log, 1).front(), testing::HasSubstr("StartComponent"));
+        // On a busy machine the quick call may have been a slow one too.
+        for (std::size_t count = 1; AwaitWarnings(log, count).back().find("StartComponent") == std::string::npos;
+             ++count)
+        {
+        }
     }
 }
 
