@@ -4,6 +4,7 @@
 #include <Vela/System/Commons/Xml/XmlReader.hpp>
 #include <Vela/System/Commons/Xml/XmlSerializationContext.hpp>
 
+#include <Diagnostics/JournalSink.hpp>
 #include <Diagnostics/LogConfiguration.hpp>
 #include <Diagnostics/LogSinks.hpp>
 
@@ -53,7 +54,7 @@ std::shared_ptr<LogManagerData> LogConfiguration::MakeData() const
     }
     if (sinks.empty())
     {
-        sinks.push_back(std::make_unique<StandardOutputSink>(LogLevel::Trace));
+        sinks.push_back(MakeStandardOutputSink(LogLevel::Trace));
     }
     return std::make_shared<LogManagerData>(levels, std::move(sinks));
 }
@@ -92,7 +93,7 @@ void LogConfiguration::ReadSinks(Xml::XmlReader& reader, const Xml::XmlSerializa
         reader.TryGetAttributeValue("level", level);
         if (name == "Console")
         {
-            sinkMakers.emplace_back([level] { return std::make_unique<StandardOutputSink>(level); });
+            sinkMakers.emplace_back([level] { return MakeStandardOutputSink(level); });
         }
         else if (name == "File")
         {

@@ -1,10 +1,10 @@
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 
+#include <Diagnostics/JournalSink.hpp>
 #include <Diagnostics/LogConfiguration.hpp>
 #include <Diagnostics/LogManagerData.hpp>
 #include <Diagnostics/LogRegistry.hpp>
-#include <Diagnostics/LogSinks.hpp>
 
 #include <utility>
 
@@ -36,7 +36,7 @@ LogManager& CreateWithSink(LogLevel level, std::unique_ptr<LogSink> sink)
 
 LogManager& LogManager::CreateInstance(LogLevel level)
 {
-    return CreateWithSink(level, std::make_unique<StandardOutputSink>(LogLevel::Trace));
+    return CreateWithSink(level, MakeStandardOutputSink(LogLevel::Trace));
 }
 
 LogManager& LogManager::CreateInstance(LogLevel level, const String& file)

@@ -1,5 +1,5 @@
+#include <Diagnostics/JournalSink.hpp>
 #include <Diagnostics/LogRegistry.hpp>
-#include <Diagnostics/LogSinks.hpp>
 #include <fmt/format.h>
 
 #include <utility>
@@ -23,7 +23,7 @@ void WriteToStandardOutput(const LogRecord& record) noexcept
 {
     try
     {
-        static StandardOutputSink& sink = *new StandardOutputSink(LogLevel::Trace);
+        static LogSink& sink = *MakeStandardOutputSink(LogLevel::Trace).release();
         sink.Write(record, GetLogProcessName());
     }
     catch (...)

@@ -58,6 +58,8 @@ UniqueFd OpenForLongLine(std::size_t size)
     return UniqueFd(mayWait ? ::open("/proc/self/fd/1", O_WRONLY | O_NONBLOCK | O_CLOEXEC) : -1);
 }
 
+} // namespace
+
 int GetSyslogPriority(LogLevel level)
 {
     switch (level)
@@ -79,17 +81,19 @@ int GetSyslogPriority(LogLevel level)
     return LOG_DEBUG;
 }
 
-} // namespace
-
 void StandardOutputSink::WriteRecord(const LogRecord& record, const String& processName)
+{
+    WriteText(FormatLine(record, processName));
+}
+
+void StandardOutputSink::WriteText(const String& text) const
 {
     if (!AwaitWritable(STDOUT_FILENO, IsLosing() ? 0 : patience))
     {
         throw Exception("Nobody reads the standard output");
     }
-    const String line = FormatLine(record, processName);
-    const UniqueFd own = OpenForLongLine(line.size());
-    WriteAll(own.IsValid() ? own.Get() : STDOUT_FILENO, line);
+    const UniqueFd own = OpenForLongLine(text.size());
+    WriteAll(own.IsValid() ? own.Get() : STDOUT_FILENO, text);
 }
 
 FileSink::FileSink(LogLevel maximumLevel, String filePath, const LogRotation& fileRotation)

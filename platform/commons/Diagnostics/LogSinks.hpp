@@ -9,6 +9,9 @@
 namespace Vela::System::Commons::Diagnostics
 {
 
+/// The level in the numbers of the system's log and journal.
+[[nodiscard]] int GetSyslogPriority(LogLevel level);
+
 /// Writes lines to standard output, each by one system call. A reader that does not read is waited for a second; from
 /// then on messages are lost until it reads again.
 class StandardOutputSink : public LogSink
@@ -18,6 +21,7 @@ public:
 
 protected:
     void WriteRecord(const LogRecord& record, const String& processName) override;
+    void WriteText(const String& text) const;
 };
 
 /// When a log file gives way to a fresh one.
