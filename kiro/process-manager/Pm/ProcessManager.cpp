@@ -1,3 +1,4 @@
+#include <Pm/DiagnosticsServiceImpl.hpp>
 #include <Pm/ProcessManager.hpp>
 #include <Pm/ProcessManagerServiceImpl.hpp>
 #include <Pm/SharedLibraryLoader.hpp>
@@ -13,6 +14,7 @@
 namespace Vela::System::Kiro::Internal::Pm
 {
 
+using Services::Internal::DiagnosticsServiceFactory;
 using Services::Internal::ProcessManagerServiceFactory;
 using Services::Internal::ProcessManagerServiceProxyFactory;
 
@@ -49,6 +51,8 @@ ProcessManager::~ProcessManager() = default;
 void ProcessManager::Setup()
 {
     LoadStaticLibraries();
+    auto& diagnostics = DiagnosticsServiceFactory::GetInstance();
+    Rsc::ServiceManager::PublishService(diagnostics.GetName(), diagnostics.GetInterfaceName(), diagnostics);
     auto& factory = ProcessManagerServiceFactory::GetInstance();
     Rsc::ServiceManager::PublishService(factory.GetName(),
                                         ProcessManagerServiceProxyFactory::GetInstance().GetInterfaceName(), factory);
@@ -62,6 +66,12 @@ void ProcessManager::Dispose()
               Rsc::ServiceManager::UnpublishService(
                   ProcessManagerServiceFactory::GetInstance().GetName(),
                   ProcessManagerServiceProxyFactory::GetInstance().GetInterfaceName());
+          });
+    Guard("unpublishing", "diagnostics",
+          []
+          {
+              const auto& diagnostics = DiagnosticsServiceFactory::GetInstance();
+              Rsc::ServiceManager::UnpublishService(diagnostics.GetName(), diagnostics.GetInterfaceName());
           });
     for (auto& [name, component] : componentProvider.RemoveAllComponents())
     {

@@ -92,6 +92,16 @@ void LogManager::SetLevel(const String& categoryPrefix, LogLevel level)
     LogRegistry::GetInstance().SetLevel(categoryPrefix, level);
 }
 
+std::vector<CategoryLevel> LogManager::GetLevels() const
+{
+    return LogRegistry::GetInstance().GetLevels();
+}
+
+LogHistory LogManager::GetHistory(std::uint64_t after, std::size_t maximumCount) const
+{
+    return LogRegistry::GetInstance().GetHistory(after, maximumCount);
+}
+
 void LogManager::Flush() noexcept
 {
     LogRegistry::GetInstance().Flush();

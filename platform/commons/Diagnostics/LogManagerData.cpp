@@ -41,6 +41,16 @@ LogLevel LogLevels::Get(const String& category) const
     return defaultLevel;
 }
 
+std::vector<CategoryLevel> LogLevels::GetAll() const
+{
+    std::vector<CategoryLevel> all{{String(), defaultLevel}};
+    for (const auto& [category, level] : prefixes)
+    {
+        all.push_back({category, level});
+    }
+    return all;
+}
+
 LogManagerData::LogManagerData(LogLevels logLevels, std::vector<std::unique_ptr<LogSink>> logSinks)
     : levels(std::move(logLevels))
     , processName(GetLogProcessName())

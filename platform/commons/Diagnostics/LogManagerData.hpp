@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Vela/System/Commons/Diagnostics/LogHistory.hpp>
+
 #include <Diagnostics/LogSink.hpp>
 
 #include <map>
@@ -18,6 +20,8 @@ public:
     void Set(const String& categoryPrefix, LogLevel level);
     [[nodiscard]] LogLevel GetDefault() const noexcept;
     [[nodiscard]] LogLevel Get(const String& category) const;
+    /// The default first, then the others by category.
+    [[nodiscard]] std::vector<CategoryLevel> GetAll() const;
 
 private:
     LogLevel defaultLevel;

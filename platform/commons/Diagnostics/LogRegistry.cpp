@@ -73,6 +73,7 @@ void LogRegistry::Write(const LogRecord& record) noexcept
             Keep(record);
             return;
         }
+        recent.Append(record);
     }
     if (current != nullptr)
     {
@@ -111,6 +112,7 @@ void LogRegistry::Attach(std::shared_ptr<LogManagerData> managerData)
     {
         if (record.level <= data->levels.Get(record.category))
         {
+            recent.Append(record);
             data->Write(record);
         }
     }
@@ -163,6 +165,18 @@ LogLevel LogRegistry::GetLevel() const
 {
     const std::lock_guard lock(mutex);
     return data == nullptr ? LogLevel::None : data->levels.GetDefault();
+}
+
+std::vector<CategoryLevel> LogRegistry::GetLevels() const
+{
+    const std::lock_guard lock(mutex);
+    return data == nullptr ? std::vector<CategoryLevel>() : data->levels.GetAll();
+}
+
+LogHistory LogRegistry::GetHistory(std::uint64_t after, std::size_t maximumCount) const
+{
+    const std::lock_guard lock(mutex);
+    return recent.Read(after, maximumCount);
 }
 
 void LogRegistry::SetLevel(const String& categoryPrefix, LogLevel level)

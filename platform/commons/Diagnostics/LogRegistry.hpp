@@ -3,6 +3,7 @@
 #include <Vela/System/Commons/Diagnostics/Logger.hpp>
 
 #include <Diagnostics/LogManagerData.hpp>
+#include <Diagnostics/LogRing.hpp>
 
 #include <map>
 #include <memory>
@@ -33,6 +34,8 @@ public:
     void Flush() noexcept;
 
     [[nodiscard]] LogLevel GetLevel() const;
+    [[nodiscard]] std::vector<CategoryLevel> GetLevels() const;
+    [[nodiscard]] LogHistory GetHistory(std::uint64_t after, std::size_t maximumCount) const;
     void SetLevel(const String& categoryPrefix, LogLevel level);
 
 private:
@@ -44,6 +47,7 @@ private:
     std::map<String, std::unique_ptr<Logger>> loggers;
     std::shared_ptr<LogManagerData> data;
     std::vector<LogRecord> kept;
+    LogRing recent;
     std::size_t droppedMessages = 0;
     bool hadManager = false;
 };

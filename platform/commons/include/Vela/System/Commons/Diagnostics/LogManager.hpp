@@ -3,9 +3,11 @@
 #include <Vela/AppDomain.hpp>
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Api.hpp>
+#include <Vela/System/Commons/Diagnostics/LogHistory.hpp>
 #include <Vela/System/Commons/Diagnostics/LogLevel.hpp>
 
 #include <memory>
+#include <vector>
 
 namespace Vela::System::Commons::Diagnostics
 {
@@ -53,6 +55,11 @@ public:
     [[nodiscard]] LogLevel GetLevel() const;
     /// Sets the level of a category prefix at run time; an empty prefix means all categories.
     void SetLevel(const String& categoryPrefix, LogLevel level);
+    /// All levels that are set: that of the empty prefix first, then the others by category.
+    [[nodiscard]] std::vector<CategoryLevel> GetLevels() const;
+    /// What was logged lately, as far as it is still in memory (32 KiB): the oldest, at most `maximumCount`, of the
+    /// messages behind number `after`. The answer to a count of 0 tells the number of the newest message.
+    [[nodiscard]] LogHistory GetHistory(std::uint64_t after, std::size_t maximumCount) const;
     /// Waits until the messages being written by other threads have reached the sinks. One's own messages have done
     /// so when the logger returns.
     void Flush() noexcept;
