@@ -71,6 +71,12 @@ function(vela_add_room name)
   target_link_libraries(kiro_${name} PUBLIC Vela::Commons Vela::Rsc Vela::Nm ${ARG_LIBS})
 endfunction()
 
+# Seconds that a single test may take. An emulated one takes 5 to 10 times as long.
+set(VELA_TEST_TIMEOUT 120)
+if(CMAKE_CROSSCOMPILING)
+  set(VELA_TEST_TIMEOUT 1200)
+endif()
+
 # vela_add_test(name SOURCES ... [LIBS ...] [ROOMS ...] [DEPENDS ...])
 # A GoogleTest executable under tests/ of the build tree. ROOMS names rooms of the framework library whose private
 # classes the test reaches: their objects become part of the executable, which then stands for the library itself.
@@ -92,5 +98,6 @@ function(vela_add_test name)
   endif()
   include(GoogleTest)
   gtest_discover_tests(test-${name}
-    TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS ${name})
+    TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${VELA_TEST_TIMEOUT} LABELS ${name})
 endfunction()

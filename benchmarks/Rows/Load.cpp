@@ -44,7 +44,7 @@ double ParseFiles(const std::vector<std::string>& paths)
     std::size_t elements = 0;
     for (const std::string& path : paths)
     {
-        std::string text(std::filesystem::file_size(path), '\0');
+        std::string text(static_cast<std::size_t>(std::filesystem::file_size(path)), '\0');
         std::ifstream(path, std::ios::binary).read(text.data(), static_cast<std::streamsize>(text.size()));
         const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
                                                                                   &XML_ParserFree);

@@ -45,6 +45,7 @@ OracleRange OracleRange::Get(std::uint64_t defaultCount)
 #ifdef VELA_SANITIZED
     defaultCount = std::max<std::uint64_t>(defaultCount / 10, 1);
 #endif
+    defaultCount = std::max<std::uint64_t>(defaultCount * GetNumber("VELA_ORACLE_PERCENT", 100) / 100, 1);
     return {GetNumber("VELA_ORACLE_SEED", 1), GetNumber("VELA_ORACLE_COUNT", defaultCount)};
 }
 

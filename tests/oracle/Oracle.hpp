@@ -23,8 +23,8 @@ bool Contains(const Trace& trace, const std::string& text);
 /// How many cases to compare, and which.
 struct OracleRange
 {
-    /// The environment's VELA_ORACLE_SEED and VELA_ORACLE_COUNT beat the defaults. A build with sanitizers compares a
-    /// tenth.
+    /// The environment's VELA_ORACLE_SEED and VELA_ORACLE_COUNT beat the defaults, VELA_ORACLE_PERCENT makes the
+    /// defaults smaller. A build with sanitizers compares a tenth.
     static OracleRange Get(std::uint64_t defaultCount);
 
     std::uint64_t firstSeed;

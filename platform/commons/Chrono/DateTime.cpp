@@ -3,14 +3,18 @@
 #include <fmt/compile.h>
 
 #include <chrono>
+#include <cstdint>
+#include <ctime>
 
 namespace Vela::System::Commons::Chrono
 {
 
 DateTime DateTime::GetUtcNow() noexcept
 {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return DateTime(std::chrono::duration_cast<std::chrono::microseconds>(now).count());
+    // The standard library's system clock asks for seconds of 32 bits where long has no more, and fails in 2038.
+    timespec now{};
+    static_cast<void>(::clock_gettime(CLOCK_REALTIME, &now));
+    return DateTime(std::int64_t{now.tv_sec} * 1'000'000 + now.tv_nsec / 1'000);
 }
 
 String DateTime::ToString() const

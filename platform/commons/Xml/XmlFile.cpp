@@ -41,7 +41,7 @@ XmlFile::Identity XmlFile::GetIdentity() const noexcept
 String XmlFile::Read() const
 {
     // Room for one byte more than the file is said to have shows its end; a file that has grown meanwhile gets more.
-    String text(std::min<std::uint64_t>(expectedSize, XmlReader::maxSize) + 1, '\0');
+    String text(static_cast<std::size_t>(std::min<std::uint64_t>(expectedSize, XmlReader::maxSize)) + 1, '\0');
     std::size_t size = 0;
     for (;;)
     {
