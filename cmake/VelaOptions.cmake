@@ -15,6 +15,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 # The build tree has the shape of the install tree, so that an executable finds its libraries the same way in both.
 # Libraries stand under lib/ on every architecture: a system is one directory that can be moved.
 set(CMAKE_INSTALL_LIBDIR lib)
+# What is not said to be part of the runtime is for component authors.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME sdk)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
@@ -31,6 +33,10 @@ add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 # A unique symbol pins the shared object that defines it: nothing of ours may keep a library from being unloaded.
 add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 add_link_options(-Wl,--as-needed -Wl,--no-undefined)
+# An optimised build leaves out what nothing refers to.
+set(is_optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+add_compile_options($<${is_optimised}:-ffunction-sections> $<${is_optimised}:-fdata-sections>)
+add_link_options($<${is_optimised}:LINKER:--gc-sections>)
 include(VelaHardening)
 add_compile_options(${VELA_HARDENING_COMPILE_OPTIONS})
 add_link_options(${VELA_HARDENING_LINK_OPTIONS})

@@ -1,4 +1,5 @@
-// A library of another contract, which ends the process that runs any of its code.
+// A library of another contract or, without a difference, of this one, which ends the process that runs any of its
+// code.
 #include <Vela/System/Kiro/BinaryContract.hpp>
 
 #include <cstdlib>
@@ -11,9 +12,12 @@ using namespace Vela::System::Kiro;
 #ifdef OTHER_Version
 constexpr auto contractVersion = BinaryContract::contractVersion + 1;
 constexpr auto layoutHash = BinaryContract::layoutHash;
-#else
+#elif defined(OTHER_Layout)
 constexpr auto contractVersion = BinaryContract::contractVersion;
 constexpr auto layoutHash = BinaryContract::layoutHash + 1;
+#else
+constexpr auto contractVersion = BinaryContract::contractVersion;
+constexpr auto layoutHash = BinaryContract::layoutHash;
 #endif
 
 VELA_NOTE_SECTION constinit const BinaryContract::Note note = BinaryContract::MakeNote(contractVersion, layoutHash);
