@@ -1,4 +1,5 @@
 #include "RscRuntime.hpp"
+#include "Security/AccessControl.hpp"
 
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/Exceptions.hpp>
@@ -49,6 +50,11 @@ RscManager& RscManager::CreateInstance(const String& applicationName, int port, 
                                        bool isMainProcess)
 {
     return CreateInstance(applicationName, port, RscManagerOptions::Load(settingsPath), isMainProcess);
+}
+
+void RscManager::CheckSecuritySettings(const String& path)
+{
+    static_cast<void>(AccessControl::Load(path));
 }
 
 bool RscManager::DisposeInstance()

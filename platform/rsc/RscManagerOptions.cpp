@@ -14,6 +14,7 @@ namespace Vela::System::Rsc
 {
 
 using namespace std::chrono_literals;
+using Commons::Diagnostics::FindingCode;
 using Commons::Xml::XmlReader;
 using Commons::Xml::XmlSerializationContext;
 
@@ -88,7 +89,8 @@ private:
         }
         if (value < min || value > maxSize)
         {
-            throw reader.Error("Attribute '{}' must be between {} and {}, not {}.", attribute, min, maxSize, value);
+            reader.Raise(FindingCode::InvalidValue, reader.Error("Attribute '{}' must be between {} and {}, not {}.",
+                                                                 attribute, min, maxSize, value));
         }
         size = value;
     }
@@ -102,7 +104,8 @@ private:
         }
         if (value.GetMilliseconds() < 1ms || value.GetMilliseconds() > 24h)
         {
-            throw reader.Error("Attribute '{}' must be between 1 ms and 24 h.", attribute);
+            reader.Raise(FindingCode::InvalidValue,
+                         reader.Error("Attribute '{}' must be between 1 ms and 24 h.", attribute));
         }
         time = value.GetMilliseconds();
     }

@@ -28,7 +28,8 @@ void Component::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSerial
     hasStartOrder = reader.TryGetAttributeValue(startOrderXmlName, startOrder);
     if (hasStartOrder && startOrder < 0)
     {
-        throw reader.Error("The start order of component '{0}' must not be negative: {1}", name, startOrder);
+        reader.Raise(Commons::Diagnostics::FindingCode::InvalidValue,
+                     reader.Error("The start order of component '{0}' must not be negative: {1}", name, startOrder));
     }
     ReadItems(reader, context, Settings::elementXmlName, [&] { settings.ReadXml(reader, context); });
 }

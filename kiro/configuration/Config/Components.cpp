@@ -13,6 +13,8 @@
 namespace Vela::System::Kiro::Internal::Sm::Config
 {
 
+using Commons::Diagnostics::FindingCode;
+
 void Components::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSerializationContext& context)
 {
     ReadItems(reader, context, Component::elementXmlName,
@@ -50,8 +52,11 @@ bool Components::AddToExisting(Map& map, const Component& component) const
     }
     if (!existing->second.isStatic)
     {
-        throw InvalidConfigException::At(DescribeDuplicate(component.position, existing->second.position),
-                                         fmt::format("Duplicated component name occurs: '{0}'", component.name));
+        Raise(FindingCode::DuplicateComponent, component.position,
+              InvalidConfigException::At(DescribeDuplicate(component.position, existing->second.position),
+                                         fmt::format("Duplicated component name occurs: '{0}'", component.name)),
+              existing->second.position);
+        return true;
     }
     CopyPropertiesOfStaticComponent(component, existing->second);
     return true;
@@ -78,9 +83,10 @@ bool Components::HasItemInProcessYet(const String& type, const String& process) 
     {
         return false;
     }
-    log.Warning("Component '{}' of type '{}' was explicitly configured in process '{}' but also through generic "
-                "configuration using '*' as process name.",
-                found->second.name, type, process);
+    Warn(log, FindingCode::OverruledGeneric, found->second.position,
+         "Component '{}' of type '{}' was explicitly configured in process '{}' but also through generic "
+         "configuration using '*' as process name.",
+         found->second.name, type, process);
     return true;
 }
 
@@ -136,14 +142,15 @@ void Components::WarnOfIneffectiveDeclaration(const Component& generic, bool has
     if (generic.isRequired != defaults.isRequired || generic.isEnabled != defaults.isEnabled ||
         generic.isFinal != defaults.isFinal || generic.hasStartOrder || !generic.settings.path.empty())
     {
-        log.Warning("Generic component '{}': only name, type and library are copied into the processes, its other "
-                    "attributes and its settings have no effect. ({})",
-                    generic.name, generic.position.ToString());
+        WarnAt(log, FindingCode::IneffectiveGeneric, generic.position,
+               "Generic component '{}': only name, type and library are copied into the processes, its other "
+               "attributes and its settings have no effect.",
+               generic.name);
     }
     if (!hasProcess)
     {
-        log.Warning("Generic component '{}' is not created: there is no configured process to copy it into. ({})",
-                    generic.name, generic.position.ToString());
+        WarnAt(log, FindingCode::IneffectiveGeneric, generic.position,
+               "Generic component '{}' is not created: there is no configured process to copy it into.", generic.name);
     }
 }
 
@@ -159,9 +166,9 @@ void Components::AddCopy(const Component& generic, const String& name, const Str
     const auto [item, isNew] = items.emplace(name, copy);
     if (!isNew)
     {
-        log.Warning("Component '{}' of type '{}' keeps its name, the generic component '{}' is not copied into process "
-                    "'{}'.",
-                    name, item->second.type, generic.name, process);
+        Warn(log, FindingCode::OverruledGeneric, item->second.position,
+             "Component '{}' of type '{}' keeps its name, the generic component '{}' is not copied into process '{}'.",
+             name, item->second.type, generic.name, process);
     }
 }
 

@@ -15,7 +15,8 @@ void Dependencies::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSer
                   dependency.ReadXml(reader, context);
                   if (!AddItem(dependency))
                   {
-                      throw reader.Error("Dependency '{0}' is already declared!", dependency.GetBinaryPath());
+                      reader.Raise(Commons::Diagnostics::FindingCode::DuplicateName,
+                                   reader.Error("Dependency '{0}' is already declared!", dependency.GetBinaryPath()));
                   }
               });
 }

@@ -10,7 +10,8 @@ void Dependency::ReadXml(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSeria
     context.GetResolvedPath(reader, binaryPathXmlName, binaryPath);
     if (binaryPath.empty())
     {
-        throw reader.Error("Dependency's binaryPath must not be empty.");
+        reader.Raise(Commons::Diagnostics::FindingCode::InvalidValue,
+                     reader.Error("Dependency's binaryPath must not be empty."));
     }
 }
 

@@ -29,6 +29,12 @@ void Processes::RemoveUnusedProcess(const String& name)
     const String& binaryPath = found->second.binaryPath;
     if (binaryPath.empty() || binaryPath.find(applicationBinaryName) != String::npos)
     {
+        if (auto* observer = Commons::Diagnostics::LoadObserver::TryGet())
+        {
+            observer->OnFinding({Commons::Diagnostics::FindingCode::DroppedProcess,
+                                 fmt::format("Process '{}' has no component of its own: its entry is dropped.", name),
+                                 found->second.position});
+        }
         items.erase(found);
     }
 }

@@ -43,19 +43,21 @@ template <typename Item>
 void ReadNamedItems(Commons::Xml::XmlReader& reader, Commons::Xml::XmlSerializationContext& context,
                     std::map<String, Item>& items)
 {
-    ReadItems(reader, context, Item::elementXmlName,
-              [&]
-              {
-                  Item item;
-                  item.ReadXml(reader, context);
-                  const auto [existing, isNew] = items.emplace(item.name, item);
-                  if (!isNew)
-                  {
-                      throw XmlException::At(
-                          DescribeDuplicate(item.position, existing->second.position),
-                          fmt::format("{0} '{1}' is already declared!", Item::elementXmlName, item.name));
-                  }
-              });
+    ReadItems(
+        reader, context, Item::elementXmlName,
+        [&]
+        {
+            Item item;
+            item.ReadXml(reader, context);
+            const auto [existing, isNew] = items.emplace(item.name, item);
+            if (!isNew)
+            {
+                Raise(Commons::Diagnostics::FindingCode::DuplicateName, item.position,
+                      XmlException::At(DescribeDuplicate(item.position, existing->second.position),
+                                       fmt::format("{0} '{1}' is already declared!", Item::elementXmlName, item.name)),
+                      existing->second.position);
+            }
+        });
 }
 
 } // namespace Vela::System::Kiro::Internal::Sm::Config

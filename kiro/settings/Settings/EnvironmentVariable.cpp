@@ -2,6 +2,7 @@
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Configuration/PlaceholderExpression.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/EnvironmentData.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
@@ -17,6 +18,7 @@ namespace Vela::System::Kiro::Internal::Settings
 using Commons::Environment;
 using Commons::EnvironmentData;
 using Commons::Configuration::PlaceholderExpression;
+using Commons::Diagnostics::FindingCode;
 using Commons::Io::Path;
 using Commons::Xml::XmlPosition;
 using Commons::Xml::XmlReader;
@@ -43,9 +45,10 @@ void EnvironmentVariable::ReadXml(XmlReader& reader, XmlSerializationContext& co
     reader.TryGetAttributeValue(redefineXmlName, isRedefine);
     if (isRedefine && isOverride)
     {
-        throw reader.Error("Environment variable '{0}' sets attribute 'redefine' and 'override' to 'true', this is not "
-                           "supported",
-                           name);
+        reader.Raise(FindingCode::InvalidVariable,
+                     reader.Error("Environment variable '{0}' sets attribute 'redefine' and 'override' to 'true', this "
+                                  "is not supported",
+                                  name));
     }
     if (name.starts_with(pathPrefix))
     {
@@ -58,7 +61,11 @@ void EnvironmentVariable::ReadXml(XmlReader& reader, XmlSerializationContext& co
     }
     catch (const ArgumentException& exception)
     {
-        throw reader.Error("Environment variable '{0}' has an invalid value: {1}", name, exception.GetMessage());
+        reader.Raise(
+            FindingCode::UndefinedVariable,
+            reader.Error("Environment variable '{0}' has an invalid value: {1}", name, exception.GetMessage()));
+        // Nobody can go on with such a text, only with another one.
+        value = PlaceholderExpression::Escape(value);
     }
 }
 
@@ -96,8 +103,10 @@ void EnvironmentVariable::Publish()
                                                         : data->AddDefaultVariable(name, effectiveValue));
     if (!isAdded && !Environment::SetVariable(name, effectiveValue))
     {
-        throw InvalidConfigException::At(position.ToString(),
-                                         fmt::format("No environment can hold a variable of the name '{}'.", name));
+        Commons::Diagnostics::Raise(
+            FindingCode::InvalidVariable, position,
+            InvalidConfigException::At(position.ToString(),
+                                       fmt::format("No environment can hold a variable of the name '{}'.", name)));
     }
     isPublished = true;
 }

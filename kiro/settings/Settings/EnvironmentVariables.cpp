@@ -10,6 +10,8 @@ namespace Vela::System::Kiro::Internal::Settings
 
 using Commons::Environment;
 using Commons::Configuration::PlaceholderExpression;
+using Commons::Diagnostics::FindingCode;
+using Commons::Diagnostics::Raise;
 using Commons::Xml::XmlReader;
 using Commons::Xml::XmlSerializationContext;
 using Commons::Xml::XmlWriter;
@@ -27,7 +29,10 @@ void EnvironmentVariables::ReadXml(XmlReader& reader, XmlSerializationContext& c
             variable.ReadXml(reader, context);
             if (!AddVariable(variable, fromDeprecatedFile))
             {
-                throw reader.Error("Environment variable '{0}' is already defined!", variable.GetName());
+                const auto defined = variables.find(variable.GetName());
+                Raise(FindingCode::ContradictoryVariable, reader.GetPosition(),
+                      reader.Error("Environment variable '{0}' is already defined!", variable.GetName()),
+                      defined->second.GetPosition());
             }
         }
         else
@@ -106,7 +111,7 @@ bool EnvironmentVariables::AddRedefinedVariable(const EnvironmentVariable& varia
 
 bool EnvironmentVariables::AddOverriddenVariable(const EnvironmentVariable& variable)
 {
-    CheckForCircleOfOldNames(variable);
+    const bool hasUsableOldNames = HasUsableOldNames(variable);
     const auto [stored, isNew] = overriddenVariables.emplace(variable.GetName(), variable);
     if (!isNew)
     {
@@ -123,14 +128,14 @@ bool EnvironmentVariables::AddOverriddenVariable(const EnvironmentVariable& vari
         stored->second = variable;
     }
     const auto currentName = deprecatedNames.find(variable.GetName());
-    if (currentName != deprecatedNames.end())
+    if (hasUsableOldNames && currentName != deprecatedNames.end())
     {
         AddVariable(variable.CreateOverride(currentName->second), false);
     }
     return true;
 }
 
-void EnvironmentVariables::CheckForCircleOfOldNames(const EnvironmentVariable& variable) const
+bool EnvironmentVariables::HasUsableOldNames(const EnvironmentVariable& variable) const
 {
     Names seen{variable.GetName()};
     for (auto next = deprecatedNames.find(variable.GetName()); next != deprecatedNames.end();
@@ -138,12 +143,15 @@ void EnvironmentVariables::CheckForCircleOfOldNames(const EnvironmentVariable& v
     {
         if (!seen.insert(next->second).second)
         {
-            throw InvalidConfigException::At(
-                variable.GetPosition().ToString(),
-                fmt::format("Environment variable '{}' is overridden, but its old names lead to each other in a circle",
-                            variable.GetName()));
+            Raise(FindingCode::CircularVariable, variable.GetPosition(),
+                  InvalidConfigException::At(variable.GetPosition().ToString(),
+                                             fmt::format("Environment variable '{}' is overridden, but its old names "
+                                                         "lead to each other in a circle",
+                                                         variable.GetName())));
+            return false;
         }
     }
+    return true;
 }
 
 void EnvironmentVariables::Publish(bool reset)
@@ -175,9 +183,11 @@ void EnvironmentVariables::AssignRedefinedValues()
         const auto basic = variables.find(name);
         if (basic == variables.end())
         {
-            throw InvalidConfigException::At(
-                redefinition.GetPosition().ToString(),
-                fmt::format("Environment variable '{}' was redefined without a basic definition!", name));
+            Raise(FindingCode::RedefinedNothing, redefinition.GetPosition(),
+                  InvalidConfigException::At(
+                      redefinition.GetPosition().ToString(),
+                      fmt::format("Environment variable '{}' was redefined without a basic definition!", name)));
+            continue;
         }
         basic->second = redefinition;
     }
@@ -220,50 +230,66 @@ void EnvironmentVariables::ResolveAndPublishVariable(EnvironmentVariable& variab
     visiting.insert(variable.GetName());
     if (visiting.size() > maxDependencyDepth)
     {
-        throw InvalidConfigException::At(
-            variable.GetPosition().ToString(),
-            fmt::format("Environment variables depend on each other in a chain of more than {}.", maxDependencyDepth));
+        Raise(FindingCode::CircularVariable, variable.GetPosition(),
+              InvalidConfigException::At(
+                  variable.GetPosition().ToString(),
+                  fmt::format("Environment variables depend on each other in a chain of more than {}.",
+                              maxDependencyDepth)));
     }
-    ResolveAndPublishDependencies(variable, visiting);
+    const bool isResolvable =
+        visiting.size() <= maxDependencyDepth && ResolveAndPublishDependencies(variable, visiting);
     visiting.erase(variable.GetName());
+    if (!isResolvable)
+    {
+        // The text as it is written stands for the value that there is none of.
+        variable.Publish();
+        return;
+    }
     variable.ResolveAndPublish();
 }
 
-void EnvironmentVariables::ResolveAndPublishDependencies(EnvironmentVariable& variable, Names& visiting)
+/// Answers false when the value cannot be resolved.
+bool EnvironmentVariables::ResolveAndPublishDependencies(EnvironmentVariable& variable, Names& visiting)
 {
+    bool isResolvable = true;
     std::vector<String> names;
     variable.GetValuePlaceholderNames(names);
     for (const String& name : names)
     {
         if (visiting.contains(name))
         {
-            throw InvalidConfigException::At(
-                variable.GetPosition().ToString(),
-                fmt::format("Environment variable '{}' causes a circular dependency of variable '{}'",
-                            variable.GetName(), name));
+            Raise(FindingCode::CircularVariable, variable.GetPosition(),
+                  InvalidConfigException::At(
+                      variable.GetPosition().ToString(),
+                      fmt::format("Environment variable '{}' causes a circular dependency of variable '{}'",
+                                  variable.GetName(), name)));
+            isResolvable = false;
         }
-        if (variables.contains(name))
+        else if (variables.contains(name))
         {
             ResolveAndPublishVariable(name, visiting);
         }
         else
         {
-            RequireVariableFromOutside(name, variable);
+            isResolvable = HasVariableFromOutside(name, variable) && isResolvable;
         }
     }
+    return isResolvable;
 }
 
 /// Values may name variables that the settings do not define; one that exists only as an override is not among them.
-void EnvironmentVariables::RequireVariableFromOutside(const String& name, const EnvironmentVariable& neededBy)
+bool EnvironmentVariables::HasVariableFromOutside(const String& name, const EnvironmentVariable& neededBy)
 {
     String value;
-    if (!Environment::GetVariableValue(name, value))
+    const bool hasVariable = Environment::GetVariableValue(name, value);
+    if (!hasVariable)
     {
         ArgumentException exception("Cannot publish environment variable '{}' because it does not exists.", name);
         exception.SetInnerText(fmt::format("It is needed by environment variable '{}' ({})", neededBy.GetName(),
                                            neededBy.GetPosition().ToString()));
-        throw exception;
+        Raise(FindingCode::UndefinedVariable, neededBy.GetPosition(), exception);
     }
+    return hasVariable;
 }
 
 bool EnvironmentVariables::ResolveDeprecatedVariableName(const String& name, String& currentName) const

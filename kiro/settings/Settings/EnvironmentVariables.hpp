@@ -65,9 +65,9 @@ private:
     void ResolveAndPublishVariables();
     void ResolveAndPublishVariable(const String& name, Names& visiting);
     void ResolveAndPublishVariable(EnvironmentVariable& variable, Names& visiting);
-    void ResolveAndPublishDependencies(EnvironmentVariable& variable, Names& visiting);
-    static void RequireVariableFromOutside(const String& name, const EnvironmentVariable& neededBy);
-    void CheckForCircleOfOldNames(const EnvironmentVariable& variable) const;
+    bool ResolveAndPublishDependencies(EnvironmentVariable& variable, Names& visiting);
+    static bool HasVariableFromOutside(const String& name, const EnvironmentVariable& neededBy);
+    [[nodiscard]] bool HasUsableOldNames(const EnvironmentVariable& variable) const;
 
     Map variables;
     Map overriddenVariables;

@@ -1,6 +1,7 @@
 #include <Config/KiroConfiguration.hpp>
 #include <Sm/ComponentsController.hpp>
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Kiro/ComponentCategory.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
 
@@ -10,6 +11,7 @@
 namespace Vela::System::Kiro::Internal::Sm
 {
 
+using Commons::Diagnostics::FindingCode;
 using Data::ComponentData;
 using Data::LibraryData;
 using Data::ProcessData;
@@ -18,11 +20,12 @@ using RemoteName = Rsc::RscString<512>;
 namespace
 {
 
-InvalidConfigException Invalid(const Config::Component& component, const String& reason)
+void Refuse(FindingCode code, const Config::Component& component, const String& reason)
 {
-    return InvalidConfigException::At(
-        component.position.ToString(),
-        fmt::format("Component '{0}' has an invalid configuration: {1}", component.name, reason));
+    Raise(code, component.position,
+          InvalidConfigException::At(
+              component.position.ToString(),
+              fmt::format("Component '{0}' has an invalid configuration: {1}", component.name, reason)));
 }
 
 String Describe(const CaughtException& failure, const FailureTexts& texts, const String& componentName)
@@ -42,16 +45,23 @@ ComponentsController::ComponentsController(const ISystemManagerHost& systemManag
 
 void ComponentsController::SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess)
 {
+    FillTables(configuration, singleProcess, host.GetName(), processes);
+}
+
+void ComponentsController::FillTables(const Config::KiroConfiguration& configuration, bool singleProcess,
+                                      const String& mainProcessName, const Data::ProcessTable& table)
+{
     log.Debug("Parse component configuration.");
-    const String mainProcessName = host.GetName();
     const auto& libraries = configuration.libraries.GetItems();
     for (const auto& [name, configured] : configuration.components.GetItems())
     {
         const bool isInMainProcess = singleProcess || configured.process.empty();
-        const auto process = processes.find(isInMainProcess ? mainProcessName : configured.process);
-        if (process == processes.end())
+        const auto process = table.find(isInMainProcess ? mainProcessName : configured.process);
+        if (process == table.end())
         {
-            throw Invalid(configured, fmt::format("Process '{0}' is unknown.", configured.process));
+            Refuse(FindingCode::UnknownProcess, configured,
+                   fmt::format("Process '{0}' is unknown.", configured.process));
+            continue;
         }
         if (process->second->isExternal)
         {
@@ -74,7 +84,9 @@ void ComponentsController::SetupConfig(const Config::KiroConfiguration& configur
             const auto library = libraries.find(component->library);
             if (library == libraries.end())
             {
-                throw Invalid(configured, fmt::format("Library '{0}' is unknown.", configured.library));
+                Refuse(FindingCode::UnknownLibrary, configured,
+                       fmt::format("Library '{0}' is unknown.", configured.library));
+                continue;
             }
             auto& records = process->second->libraries;
             if (!records.contains(component->library))
@@ -125,19 +137,24 @@ void ComponentsController::CreateComponent(const std::shared_ptr<ComponentData>&
     component->isCreated = true;
     component->isRequired = component->isRequired || properties.IsSystemComponent;
 
-    std::uint32_t startOrder = properties.StartOrder;
-    if (component->hasStartOrder)
-    {
-        startOrder = component->startOrder;
-        log.Debug("Start order of Component '{0}' was overwritten by configuration. (Original: {1} Configured:{2})",
-                  component->name, properties.StartOrder, startOrder);
-    }
-    AddComponentToExecutionList(process, component, startOrder, properties.Category != ComponentCategory::None);
+    const std::uint32_t startOrder = ChooseStartOrder(*component, properties.StartOrder);
+    AddToExecutionList(executionList, process, component, startOrder, properties.Category != ComponentCategory::None);
 }
 
-void ComponentsController::AddComponentToExecutionList(const std::shared_ptr<ProcessData>& process,
-                                                       const std::shared_ptr<ComponentData>& component,
-                                                       std::uint32_t startOrder, bool hasCategory)
+std::uint32_t ComponentsController::ChooseStartOrder(const ComponentData& component, std::uint32_t ownStartOrder)
+{
+    if (!component.hasStartOrder)
+    {
+        return ownStartOrder;
+    }
+    log.Debug("Start order of Component '{0}' was overwritten by configuration. (Original: {1} Configured:{2})",
+              component.name, ownStartOrder, component.startOrder);
+    return component.startOrder;
+}
+
+void ComponentsController::AddToExecutionList(Data::ExecutionList& list, const std::shared_ptr<ProcessData>& process,
+                                              const std::shared_ptr<ComponentData>& component, std::uint32_t startOrder,
+                                              bool hasCategory)
 {
     if (!hasCategory)
     {
@@ -149,7 +166,7 @@ void ComponentsController::AddComponentToExecutionList(const std::shared_ptr<Pro
     entry.startOrder = startOrder;
     entry.process = process;
     entry.component = component;
-    executionList.emplace(startOrder, std::move(entry));
+    list.emplace(startOrder, std::move(entry));
 }
 
 void ComponentsController::SetupComponentsSettings()

@@ -37,6 +37,16 @@ public:
     /// @throws InvalidConfigException for the first component whose process or library is unknown
     void SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess);
 
+    /// What SetupConfig does, and how the order comes about, for tools that only want to know what would happen.
+    static void FillTables(const Config::KiroConfiguration& configuration, bool singleProcess,
+                           const String& mainProcessName, const Data::ProcessTable& table);
+    /// The configured start order goes before the component's own.
+    static std::uint32_t ChooseStartOrder(const Data::ComponentData& component, std::uint32_t ownStartOrder);
+    /// A component without a category stays out, with a warning.
+    static void AddToExecutionList(Data::ExecutionList& list, const std::shared_ptr<Data::ProcessData>& process,
+                                   const std::shared_ptr<Data::ComponentData>& component, std::uint32_t startOrder,
+                                   bool hasCategory);
+
     /// Creates all components in the processes that are connected; the first failure ends it.
     void CreateComponents();
     /// Initialises, subscribes, loads and sets up settings and publishes. A required component that fails ends the
@@ -74,9 +84,6 @@ private:
 
     void CreateComponent(const std::shared_ptr<Data::ComponentData>& component,
                          const std::shared_ptr<Data::ProcessData>& process);
-    void AddComponentToExecutionList(const std::shared_ptr<Data::ProcessData>& process,
-                                     const std::shared_ptr<Data::ComponentData>& component, std::uint32_t startOrder,
-                                     bool hasCategory);
 
     struct ForwardResult
     {

@@ -1,5 +1,6 @@
 #include <Config/KiroConfiguration.hpp>
 #include <Sm/ProcessesController.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 
 #include <utility>
 
@@ -10,7 +11,12 @@ using Data::ProcessData;
 
 void ProcessesController::SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess)
 {
-    const String mainProcessName = host.GetName();
+    FillTable(configuration, singleProcess, host.GetName(), processes);
+}
+
+void ProcessesController::FillTable(const Config::KiroConfiguration& configuration, bool singleProcess,
+                                    const String& mainProcessName, Data::ProcessTable& table)
+{
     for (const auto& [name, configured] : configuration.processes.GetItems())
     {
         auto process = std::make_shared<ProcessData>();
@@ -27,21 +33,21 @@ void ProcessesController::SetupConfig(const Config::KiroConfiguration& configura
         process->isExternal = configured.isExternal && process->name != mainProcessName;
         if (!singleProcess)
         {
-            WarnOfIneffectiveAttributes(*process);
+            WarnOfIneffectiveAttributes(*process, process->name == mainProcessName, configured.position);
         }
-        processes.emplace(process->name, process);
+        table.emplace(process->name, process);
     }
-    if (!processes.contains(mainProcessName))
+    if (!table.contains(mainProcessName))
     {
         auto mainProcess = std::make_shared<ProcessData>();
         mainProcess->name = mainProcessName;
-        processes.emplace(mainProcessName, std::move(mainProcess));
+        table.emplace(mainProcessName, std::move(mainProcess));
     }
 }
 
-void ProcessesController::WarnOfIneffectiveAttributes(const ProcessData& process) const
+void ProcessesController::WarnOfIneffectiveAttributes(const ProcessData& process, bool isMain,
+                                                      const Commons::Xml::XmlPosition& position)
 {
-    const bool isMain = IsMainProcess(process);
     const bool isForeign = isMain || process.isExternal;
     const bool isOther = isForeign || !process.binaryPath.empty();
     const std::pair<const char*, bool> attributes[] = {
@@ -58,11 +64,12 @@ void ProcessesController::WarnOfIneffectiveAttributes(const ProcessData& process
     {
         if (isIneffective)
         {
-            log.Warning("Process '{0}': attribute '{1}' has no effect{2}.", process.name, name,
-                        isMain               ? " on the main process"
-                        : process.isExternal ? " on an external process"
-                        : isOther            ? " on a process with an executable of its own"
-                                             : "");
+            const char* where = isMain               ? " on the main process"
+                                : process.isExternal ? " on an external process"
+                                : isOther            ? " on a process with an executable of its own"
+                                                     : "";
+            Warn(log, Commons::Diagnostics::FindingCode::IneffectiveAttribute, position,
+                 "Process '{0}': attribute '{1}' has no effect{2}.", process.name, name, where);
         }
     }
 }

@@ -9,6 +9,7 @@
 #include <Vela/System/Commons/Chrono/TimeoutWatch.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/Threading/WorkerThread.hpp>
+#include <Vela/System/Commons/Xml/XmlPosition.hpp>
 
 #include <atomic>
 #include <chrono>
@@ -49,6 +50,9 @@ public:
     /// Fills the process table. The main process has an entry in any case.
     /// @param singleProcess  all entries stand for the main process
     void SetupConfig(const Config::KiroConfiguration& configuration, bool singleProcess);
+    /// What SetupConfig does, for tools that only want to know what would happen.
+    static void FillTable(const Config::KiroConfiguration& configuration, bool singleProcess,
+                          const String& mainProcessName, Data::ProcessTable& table);
 
     /// Starts the children, connects to all processes and starts the watchdog. On failure the children that were
     /// started stay until StopProcesses.
@@ -81,7 +85,8 @@ private:
     using Clock = std::chrono::steady_clock;
 
     [[nodiscard]] bool IsMainProcess(const Data::ProcessData& process) const;
-    void WarnOfIneffectiveAttributes(const Data::ProcessData& process) const;
+    static void WarnOfIneffectiveAttributes(const Data::ProcessData& process, bool isMain,
+                                            const Commons::Xml::XmlPosition& position);
     void StartChild(Data::ProcessData& process);
     bool ConnectAll(const Commons::Chrono::TimeoutWatch& watch);
     bool Connect(Data::ProcessData& process, std::chrono::milliseconds limit, std::span<const int> wakeDescriptors);

@@ -1,5 +1,6 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Configuration/PlaceholderExpression.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/PlainText.hpp>
 
@@ -61,6 +62,10 @@ String PlaceholderExpression::Resolve(const String& text)
     while (placeholders.MoveNext())
     {
         String value;
+        if (auto* observer = Diagnostics::LoadObserver::TryGet())
+        {
+            observer->OnVariableUsed(placeholders.GetName());
+        }
         if (!Environment::GetVariableValue(placeholders.GetName(), value))
         {
             throw KeyNotFoundException("The environment variable '{0}' in '{1}' is not defined.",

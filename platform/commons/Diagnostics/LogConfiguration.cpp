@@ -72,7 +72,7 @@ void LogConfiguration::ReadLevels(Xml::XmlReader& reader, const Xml::XmlSerializ
             reader.GetAttributeValue("level", level);
             if (category.empty())
             {
-                throw reader.Error("Category of a log level must not be empty.");
+                reader.Raise(FindingCode::InvalidValue, reader.Error("Category of a log level must not be empty."));
             }
             levels.Set(category, level);
         }
@@ -120,7 +120,7 @@ LogConfiguration::SinkMaker LogConfiguration::ReadFileSink(Xml::XmlReader& reade
     const bool hasDirectory = context.TryGetResolvedPath(reader, "directory", directory) && !directory.empty();
     if (hasPath == hasDirectory)
     {
-        throw reader.Error("A log file needs either a 'path' or a 'directory'.");
+        reader.Raise(FindingCode::InvalidValue, reader.Error("A log file needs either a 'path' or a 'directory'."));
     }
     if (hasDirectory)
     {
@@ -132,7 +132,8 @@ LogConfiguration::SinkMaker LogConfiguration::ReadFileSink(Xml::XmlReader& reade
     constexpr std::uint32_t mostFiles = 1000;
     if (rotation.maximumSize == 0 || rotation.maximumFiles > mostFiles)
     {
-        throw reader.Error("A log file's 'maxSize' must be at least 1, its 'maxFiles' at most {0}.", mostFiles);
+        reader.Raise(FindingCode::InvalidValue,
+                     reader.Error("A log file's 'maxSize' must be at least 1, its 'maxFiles' at most {0}.", mostFiles));
     }
     return [=]
     {

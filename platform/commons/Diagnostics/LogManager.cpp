@@ -49,6 +49,11 @@ LogManager& LogManager::CreateInstanceFromFile(LogLevel level, const String& con
     return Create(LogConfiguration(level, configFile).MakeData());
 }
 
+void LogManager::CheckConfiguration(const String& configFile)
+{
+    const LogConfiguration configuration(LogLevel::Info, configFile);
+}
+
 void LogManager::DisposeInstance()
 {
     AppDomainSingleton<LogManager>::DisposeInstance();

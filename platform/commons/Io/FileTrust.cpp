@@ -1,4 +1,5 @@
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
@@ -23,11 +24,16 @@ namespace
 class Log : private Diagnostics::Loggable<FileTrust>
 {
 public:
-    static void Warn(const String& text)
+    static void Warn(const Xml::XmlPosition& position, const String& text)
     {
-        log.Warning("{0}", text);
+        Diagnostics::Warn(log, Diagnostics::FindingCode::DoubtfulAccess, position, "{0}", text);
     }
 };
+
+Xml::XmlPosition GetWholeFile(const String& path)
+{
+    return {std::make_shared<const Xml::XmlSource>(Xml::XmlSource{path, {}}), 0};
+}
 
 /// In the order of the enumeration.
 struct Use
@@ -210,11 +216,13 @@ void FileTrust::Require(TrustedFile use, const String& path, int descriptor, uid
     {
         text += fmt::format("{}'{}' {}", text.ends_with(": ") ? "" : ", ", finding.path, finding.reason);
     }
+    const auto position = GetWholeFile(path);
     if (policy == TrustPolicy::Refuse)
     {
-        throw InvalidOperationException("{0}.", text);
+        Diagnostics::Raise(Diagnostics::FindingCode::RefusedAccess, position, InvalidOperationException("{0}.", text));
+        return;
     }
-    Log::Warn(text + ".");
+    Log::Warn(position, text + ".");
 }
 
 void FileTrust::Require(TrustedFile use, const String& path, int descriptor)

@@ -3,6 +3,7 @@
 #include "XmlFile.hpp"
 
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Commons/Xml/MultiXmlConfigDocument.hpp>
 #include <Vela/System/Commons/Xml/XmlSerializationContext.hpp>
@@ -12,6 +13,8 @@
 
 namespace Vela::System::Commons::Xml
 {
+
+using Diagnostics::FindingCode;
 
 namespace
 {
@@ -30,20 +33,35 @@ public:
     {
         if (depth > MultiXmlConfigDocument::maxIncludeDepth)
         {
-            throw XmlException::At(includedFrom.ToString(), fmt::format("Includes are nested deeper than {}.",
-                                                                        MultiXmlConfigDocument::maxIncludeDepth));
+            Diagnostics::Raise(
+                FindingCode::InvalidInclude, includedFrom,
+                XmlException::At(includedFrom.ToString(), fmt::format("Includes are nested deeper than {}.",
+                                                                      MultiXmlConfigDocument::maxIncludeDepth)));
+            return;
         }
-        const XmlFile file(path, includedFrom, Io::TrustedFile::Document);
-        if (!filesRead.insert(file.GetIdentity()).second)
+        String text;
+        bool isNew = false;
+        const auto read = [&]
+        {
+            const XmlFile file(path, includedFrom, Io::TrustedFile::Document);
+            isNew = filesRead.insert(file.GetIdentity()).second;
+            text = isNew ? file.Read() : String();
+        };
+        if (!Diagnostics::Attempt(FindingCode::UnreadableFile, read) || !isNew)
         {
             return;
         }
         XmlSerializationContext context(path, true);
-        ReadDocument(std::make_shared<const XmlSource>(XmlSource{path, includedFrom}), file.Read(), rootElementName,
-                     object, context);
+        const auto source = std::make_shared<const XmlSource>(XmlSource{path, includedFrom});
+        Diagnostics::Attempt(FindingCode::MalformedDocument,
+                             [&] { ReadDocument(source, text, rootElementName, object, context); });
+        text = String();
         for (const auto& include : context.GetIncludes())
         {
-            for (const String& includedPath : FindIncludedFiles(include, context.GetDirectory()))
+            std::vector<String> includedPaths;
+            Diagnostics::Attempt(FindingCode::InvalidInclude,
+                                 [&] { includedPaths = FindIncludedFiles(include, context.GetDirectory()); });
+            for (const String& includedPath : includedPaths)
             {
                 ReadFile(includedPath, include.position, depth + 1);
             }

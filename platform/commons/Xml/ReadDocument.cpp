@@ -13,7 +13,9 @@ void ReadDocument(const std::shared_ptr<const XmlSource>& source, const String& 
     reader.ReadStartElement(name);
     if (name != rootElementName)
     {
-        throw reader.Error("The root element is '{0}', but '{1}' is expected.", name, rootElementName);
+        reader.Raise(Diagnostics::FindingCode::WrongRootElement,
+                     reader.Error("The root element is '{0}', but '{1}' is expected.", name, rootElementName));
+        return;
     }
     object.ReadXml(reader, context);
     reader.ReadEndElement();

@@ -1,5 +1,6 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Configuration/PlaceholderExpression.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Commons/Xml/XmlPath.hpp>
 
@@ -43,8 +44,10 @@ void XmlPath::Resolve()
     }
     catch (const Exception& exception)
     {
-        throw XmlException::At(position.ToString(), fmt::format("The path in attribute '{0}' cannot be resolved: {1}",
-                                                                attributeName, exception.GetMessage()));
+        Diagnostics::Raise(
+            Diagnostics::FindingCode::UndefinedVariable, position,
+            XmlException::At(position.ToString(), fmt::format("The path in attribute '{0}' cannot be resolved: {1}",
+                                                              attributeName, exception.GetMessage())));
     }
 }
 

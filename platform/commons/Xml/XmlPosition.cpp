@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
 #include <utility>
 
 namespace Vela::System::Commons::Xml
@@ -21,6 +22,29 @@ String XmlPosition::ToString() const
         text += fmt::format("{}{}:{}", text.empty() ? "" : ", included from ", position->source->path, position->line);
     }
     return text;
+}
+
+XmlPosition XmlPosition::Parse(const String& text)
+{
+    constexpr std::string_view link = ", included from ";
+    const std::size_t end = text.find(link);
+    const std::size_t colon = text.rfind(':', end);
+    unsigned long number = 0;
+    const char* digits = text.data() + (colon == String::npos ? 0 : colon + 1);
+    const char* digitsEnd = text.data() + std::min(end, text.size());
+    const auto [numberEnd, error] = std::from_chars(digits, digitsEnd, number);
+    if (colon == String::npos || colon == 0 || error != std::errc() || numberEnd != digitsEnd)
+    {
+        return {};
+    }
+    XmlPosition includedFrom = end == String::npos ? XmlPosition() : Parse(text.substr(end + link.size()));
+    return {std::make_shared<const XmlSource>(XmlSource{text.substr(0, colon), std::move(includedFrom)}), number};
+}
+
+const XmlPosition& XmlPosition::GetIncludedFrom() const noexcept
+{
+    static const XmlPosition nowhere;
+    return source == nullptr ? nowhere : source->includedFrom;
 }
 
 const String& XmlPosition::GetFile() const noexcept

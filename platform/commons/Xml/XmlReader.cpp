@@ -2,6 +2,7 @@
 
 #include <Vela/System/Commons/Xml/XmlReader.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <type_traits>
@@ -9,6 +10,8 @@
 
 namespace Vela::System::Commons::Xml
 {
+
+using Diagnostics::FindingCode;
 
 struct XmlReader::OpenElement
 {
@@ -53,8 +56,9 @@ void XmlReader::ReadEndElement()
     {
         if (!isSkipped)
         {
-            log.Warning("Element '{0}' is not known inside '{1}', it is skipped. ({2})", child,
-                        elements[elements.size() - 2].name, GetPosition().ToString());
+            WarnAt(log, FindingCode::UnknownElement, GetPosition(),
+                   "Element '{0}' is not known inside '{1}', it is skipped.", child,
+                   elements[elements.size() - 2].name);
         }
         SkipElement();
         ReadEndElement();
@@ -99,8 +103,8 @@ void XmlReader::WarnOfUnusedAttributes(const OpenElement& element)
     {
         if (!attribute.isUsed)
         {
-            log.Warning("Attribute '{0}' of element '{1}' is not known, it is ignored. ({2})", attribute.name,
-                        element.name, GetPosition().ToString());
+            WarnAt(log, FindingCode::UnknownAttribute, GetPosition(),
+                   "Attribute '{0}' of element '{1}' is not known, it is ignored.", attribute.name, element.name);
         }
     }
 }
@@ -109,8 +113,8 @@ void XmlReader::WarnOfText()
 {
     if (!Current().isSkipped)
     {
-        log.Warning("Text inside element '{0}' is ignored. ({1})", GetElementName(),
-                    XmlPosition(source, event->line).ToString());
+        WarnAt(log, FindingCode::IgnoredText, XmlPosition(source, event->line), "Text inside element '{0}' is ignored.",
+               GetElementName());
     }
 }
 
@@ -121,10 +125,21 @@ const String* XmlReader::FindAttribute(std::string_view name)
         if (attribute.name == name)
         {
             attribute.isUsed = true;
+            if (auto* observer = Diagnostics::LoadObserver::TryGet())
+            {
+                observer->OnAttribute(GetPosition(), GetElementName(), attribute.name, attribute.value);
+            }
             return &attribute.value;
         }
     }
     return nullptr;
+}
+
+bool XmlReader::HasAttribute(std::string_view name) const
+{
+    const auto& attributes = elements.back().attributes;
+    return std::any_of(attributes.begin(), attributes.end(),
+                       [name](const XmlAttribute& attribute) { return attribute.name == name; });
 }
 
 bool XmlReader::TryGetAttributeValue(std::string_view name, String& value)
@@ -147,7 +162,9 @@ bool XmlReader::TryGetAttributeValue(std::string_view name, bool& value)
     const bool isTrue = *text == "true" || *text == "1";
     if (!isTrue && *text != "false" && *text != "0")
     {
-        throw Error("Cast of attribute {0} to {1} failed value: {2}", name, "bool", *text);
+        Raise(FindingCode::InvalidAttribute,
+              Error("Cast of attribute {0} to {1} failed value: {2}", name, "bool", *text));
+        return false;
     }
     value = isTrue;
     return true;
@@ -175,7 +192,9 @@ bool XmlReader::TryGetNumber(std::string_view name, const char* typeName, Number
     }
     if (!isValid)
     {
-        throw Error("Cast of attribute {0} to {1} failed value: {2}", name, typeName, *text);
+        Raise(FindingCode::InvalidAttribute,
+              Error("Cast of attribute {0} to {1} failed value: {2}", name, typeName, *text));
+        return false;
     }
     value = number;
     return true;
@@ -211,9 +230,11 @@ bool XmlReader::TryGetAttributeValue(std::string_view name, Chrono::Duration& va
     const String* text = FindAttribute(name);
     if (text != nullptr && !Chrono::Duration::TryParse(*text, value))
     {
-        throw Error("TryGetAttributeValueDuration failed for attribute '{0}' in element '{1}': invalid duration format "
+        Raise(FindingCode::InvalidAttribute,
+              Error("TryGetAttributeValueDuration failed for attribute '{0}' in element '{1}': invalid duration format "
                     "in value '{2}'",
-                    name, GetElementName(), *text);
+                    name, GetElementName(), *text));
+        return false;
     }
     return text != nullptr;
 }

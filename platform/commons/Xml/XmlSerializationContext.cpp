@@ -107,7 +107,8 @@ void XmlSerializationContext::ReadIncludesElement(XmlReader& reader)
 
 void XmlSerializationContext::InvalidXmlElementOccurs(XmlReader& reader, const String& name) const
 {
-    log.Warning("Element '{0}' is not known here, it is skipped. ({1})", name, reader.GetPosition().ToString());
+    WarnAt(log, Diagnostics::FindingCode::UnknownElement, reader.GetPosition(),
+           "Element '{0}' is not known here, it is skipped.", name);
     reader.SkipElement();
 }
 

@@ -18,6 +18,7 @@
 namespace Vela::System::Rsc
 {
 
+using Commons::Diagnostics::FindingCode;
 using Commons::Xml::XmlReader;
 using Commons::Xml::XmlSerializationContext;
 
@@ -118,19 +119,19 @@ private:
         reader.GetAttributeValue("operation", grant.operationName);
         if (grant.interfaceName.empty() || grant.operationName.empty())
         {
-            throw reader.Error("A grant names a service and an operation.");
+            reader.Raise(FindingCode::InvalidValue, reader.Error("A grant names a service and an operation."));
         }
         if (hasUser == hasGroup)
         {
-            throw reader.Error("A grant names either a user or a group.");
+            reader.Raise(FindingCode::InvalidValue, reader.Error("A grant names either a user or a group."));
         }
         if (hasUser && !(grant.user = FindUser(user)))
         {
-            throw reader.Error("The system has no user '{}'.", user);
+            reader.Raise(FindingCode::InvalidValue, reader.Error("The system has no user '{}'.", user));
         }
         if (hasGroup && !(grant.group = FindGroup(group)))
         {
-            throw reader.Error("The system has no group '{}'.", group);
+            reader.Raise(FindingCode::InvalidValue, reader.Error("The system has no group '{}'.", group));
         }
         return grant;
     }

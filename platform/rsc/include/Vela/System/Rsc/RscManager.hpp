@@ -36,6 +36,9 @@ public:
     /// @throws InvalidOperationException when there is a manager already; Exception when the system's runtime directory
     ///         does not exist
     static RscManager& CreateClientInstance(const String& name, const RscManagerOptions& options = {});
+    /// Reads a security settings file as the main process does when it opens its endpoint.
+    /// @throws NotExistException, XmlException
+    static void CheckSecuritySettings(const String& path);
     /// Closes the endpoint, lets calls in progress end and be answered within the close time-out, then closes every
     /// connection. Proxies may outlive it; their calls fail. Without an instance nothing happens. Not from inside a
     /// call.

@@ -34,6 +34,9 @@ public:
     static LogManager& CreateInstanceFromFile(LogLevel level, const String& configFile);
     /// Closes the sinks; without an instance nothing happens. Another one may be created afterwards.
     static void DisposeInstance();
+    /// Reads a log configuration file as CreateInstanceFromFile does and opens nothing.
+    /// @throws XmlException
+    static void CheckConfiguration(const String& configFile);
 
     static LogManager* TryGetInstance();
 

@@ -21,6 +21,10 @@ public:
 
     /// "/a/b.config:12, included from /a/a.config:3"; empty when it is nowhere.
     [[nodiscard]] String ToString() const;
+    /// Reads what ToString wrote; nowhere when the text is none of its.
+    [[nodiscard]] static XmlPosition Parse(const String& text);
+    /// Where the include stands that led to the file; nowhere for a root file.
+    [[nodiscard]] const XmlPosition& GetIncludedFrom() const noexcept;
     /// The file; empty when it is nowhere.
     [[nodiscard]] const String& GetFile() const noexcept;
     /// Counted from 1; 0 when it is nowhere.

@@ -5,6 +5,7 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Api.hpp>
 #include <Vela/System/Commons/Chrono/Duration.hpp>
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/Xml/XmlPosition.hpp>
 #include <Vela/TypeName.hpp>
@@ -108,7 +109,9 @@ public:
         }
         if (!TryGetEnumValue(text.c_str(), value))
         {
-            throw Error("Invalid string for Enum '{0}' occurs: {1}", GetTypeName<E>(), text);
+            Raise(Diagnostics::FindingCode::InvalidAttribute,
+                  Error("Invalid string for Enum '{0}' occurs: {1}", GetTypeName<E>(), text));
+            return false;
         }
         return true;
     }
@@ -118,11 +121,18 @@ public:
     template <typename T>
     void GetAttributeValue(std::string_view name, T& value)
     {
-        if (!TryGetAttributeValue(name, value))
+        if (!TryGetAttributeValue(name, value) && !HasAttribute(name))
         {
-            throw Error("GetAttributeValue failed for mandatory attribute: {0} elementName: {1}", name,
-                        GetElementName());
+            Raise(Diagnostics::FindingCode::MissingAttribute,
+                  Error("GetAttributeValue failed for mandatory attribute: {0} elementName: {1}", name,
+                        GetElementName()));
         }
+    }
+
+    /// Throws an exception about the current element, unless there is an observer to tell.
+    void Raise(Diagnostics::FindingCode code, const XmlException& exception) const
+    {
+        Diagnostics::Raise(code, GetPosition(), exception);
     }
 
     /// An exception that says where the current element is, for the caller to throw.
@@ -136,6 +146,7 @@ private:
     struct OpenElement;
 
     const String* FindAttribute(std::string_view name);
+    [[nodiscard]] bool HasAttribute(std::string_view name) const;
     template <typename Number>
     bool TryGetNumber(std::string_view name, const char* typeName, Number& value);
     [[nodiscard]] OpenElement& Current();
