@@ -1,5 +1,7 @@
 #include "CommandLine.hpp"
 
+#include "HelpFormatter.hpp"
+
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/PlainText.hpp>
 #include <Vela/VelaVersion.hpp>
@@ -57,8 +59,10 @@ CommandLine::CommandLine()
     app.add_option("--runtime-dir", options.runtimeDirectory,
                    "Runtime directory of the system; default: VELA_PATH_RUNTIME_DIR, then the user's own")
         ->type_name("DIR");
-    app.require_subcommand(1);
-    app.get_formatter()->column_width(26);
+    // What nobody takes is told by this class, in its own words.
+    app.require_subcommand(0, 1);
+    app.allow_extras();
+    app.formatter(std::make_shared<HelpFormatter>());
     app.footer(MakeFooter());
     for (const CommandEntry& entry : GetCommands())
     {
@@ -76,6 +80,7 @@ ExitCode CommandLine::Run(int argc, const char* const* argv)
     try
     {
         app.parse(argc, argv);
+        CheckLeftovers();
         return RunCommand();
     }
     catch (const CLI::ParseError& error)
@@ -85,7 +90,7 @@ ExitCode CommandLine::Run(int argc, const char* const* argv)
             app.exit(error);
             return ExitCode::Success;
         }
-        return Report(ExitCode::Usage, std::string(error.what()) + " (see 'kiroctl --help')");
+        return Report(ExitCode::Usage, fmt::format("{} (see '{} --help')", error.what(), GetNamedCommand()));
     }
     catch (const CommandError& error)
     {
@@ -99,6 +104,33 @@ ExitCode CommandLine::Run(int argc, const char* const* argv)
     {
         return Report(ExitCode::Failed, exception.what());
     }
+}
+
+void CommandLine::CheckLeftovers() const
+{
+    const std::vector<std::string> leftovers = app.remaining(true);
+    if (!leftovers.empty() && (!app.get_subcommands().empty() || leftovers.front().starts_with('-')))
+    {
+        throw CLI::ExtrasError(leftovers);
+    }
+    if (!leftovers.empty())
+    {
+        throw CLI::ParseError(fmt::format("There is no command '{}'", leftovers.front()), CLI::ExitCodes::ExtrasError);
+    }
+    if (app.get_subcommands().empty())
+    {
+        throw CLI::ParseError("A command is required", CLI::ExitCodes::RequiredError);
+    }
+}
+
+std::string CommandLine::GetNamedCommand() const
+{
+    std::string name = app.get_name();
+    for (auto named = app.get_subcommands(); !named.empty(); named = named.front()->get_subcommands())
+    {
+        name += " " + named.front()->get_name();
+    }
+    return name;
 }
 
 ExitCode CommandLine::RunCommand()

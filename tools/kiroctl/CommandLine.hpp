@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace Vela::Kiroctl
@@ -27,6 +28,10 @@ public:
     }
 
 private:
+    /// @throws CLI::ParseError when arguments are left over, or no command was named
+    void CheckLeftovers() const;
+    /// What the user wrote: the tool, the command and its subcommand.
+    [[nodiscard]] std::string GetNamedCommand() const;
     ExitCode RunCommand();
 
     CLI::App app;

@@ -6,14 +6,17 @@ namespace Vela::Kiroctl
 using Create = std::unique_ptr<Command>();
 
 // Each is defined in Commands/<Name>.cpp.
+Create CreateCheck;
 Create CreateNew;
 Create CreateVersion;
 
 std::span<const CommandEntry> GetCommands()
 {
+    static constexpr const char* before = "Before a system runs";
     static constexpr const char* development = "For component authors";
     static constexpr const char* tool = "The tool itself";
     static constexpr CommandEntry commands[] = {
+        {"check", before, "Tell what is wrong with documents and libraries", &CreateCheck},
         {"new", development, "Write a project for a new component library", &CreateNew},
         {"version", tool, "Show the versions of the tool and of what it works with", &CreateVersion},
     };

@@ -17,6 +17,8 @@ Session::Session(const CommonOptions& commonOptions)
     : output(commonOptions.isJson)
 {
     Environment::Setup();
+    // What the libraries log is no part of an answer.
+    System::Commons::Diagnostics::LogManager::CreateInstance(System::Commons::Diagnostics::LogLevel::Off);
     if (!commonOptions.runtimeDirectory.empty() &&
         !Environment::SetVariable(Environment::runtimeDirectoryName,
                                   System::Commons::Io::Path::GetFullPath(commonOptions.runtimeDirectory)))
@@ -31,6 +33,7 @@ Session::~Session()
     {
         System::Rsc::RscManager::DisposeInstance();
     }
+    System::Commons::Diagnostics::LogManager::DisposeInstance();
     Environment::Dispose();
 }
 

@@ -1,0 +1,54 @@
+#include "../Check/Report.hpp"
+#include "../Check/SystemCheck.hpp"
+#include "../Command.hpp"
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+class Check final : public Command
+{
+public:
+    void Declare(CLI::App& app) override
+    {
+        app.add_option("SETTINGS", documents.settings, "Settings document of the main process")->capture_default_str();
+        app.add_option("CONFIG", documents.configuration, "Configuration document of the system")
+            ->capture_default_str();
+        app.add_flag("--strict", isStrict, "Take warnings for errors");
+        app.add_flag("--no-load", isLoadingForbidden,
+                     "Look at libraries without loading them: their needs and types stay unknown");
+        app.add_flag("--codes", isCodesWanted, "List what can be found, and check nothing");
+    }
+
+    ExitCode Run(Session& session) override
+    {
+        if (isCodesWanted)
+        {
+            Report::WriteCodes(session.GetOutput());
+            return ExitCode::Success;
+        }
+        LoadRecord record;
+        const OfflineSystem system(documents, record);
+        SystemCheck(system, record, !isLoadingForbidden).Run();
+        const Report report(record.GetFindings(), system.documents.settings, isStrict);
+        report.Write(session.GetOutput());
+        return report.HasFailed() ? ExitCode::Negative : ExitCode::Success;
+    }
+
+private:
+    SystemDocuments documents;
+    bool isStrict = false;
+    bool isLoadingForbidden = false;
+    bool isCodesWanted = false;
+};
+
+} // namespace
+
+std::unique_ptr<Command> CreateCheck()
+{
+    return std::make_unique<Check>();
+}
+
+} // namespace Vela::Kiroctl
