@@ -13,6 +13,16 @@ void ComponentFactory::AddFactoryMethod(const String& componentType, ComponentFa
     factoryMethods.emplace(componentType, factoryMethod);
 }
 
+std::vector<String> ComponentFactory::GetComponentTypes() const
+{
+    std::vector<String> types;
+    for (const auto& [type, method] : factoryMethods)
+    {
+        types.push_back(type);
+    }
+    return types;
+}
+
 bool ComponentFactory::ContainsComponentType(const String& componentType)
 {
     return factoryMethods.contains(componentType);

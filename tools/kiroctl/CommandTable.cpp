@@ -7,6 +7,7 @@ using Create = std::unique_ptr<Command>();
 
 // Each is defined in Commands/<Name>.cpp.
 Create CreateCheck;
+Create CreateInspect;
 Create CreateNew;
 Create CreateVersion;
 
@@ -17,6 +18,7 @@ std::span<const CommandEntry> GetCommands()
     static constexpr const char* tool = "The tool itself";
     static constexpr CommandEntry commands[] = {
         {"check", before, "Tell what is wrong with documents and libraries", &CreateCheck},
+        {"inspect", development, "Show what a component library is made for, needs and contains", &CreateInspect},
         {"new", development, "Write a project for a new component library", &CreateNew},
         {"version", tool, "Show the versions of the tool and of what it works with", &CreateVersion},
     };

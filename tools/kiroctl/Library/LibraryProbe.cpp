@@ -4,6 +4,7 @@
 
 #include <Pm/SharedLibraryLoader.hpp>
 #include <Vela/System/Kiro/ComponentCategory.hpp>
+#include <Vela/System/Kiro/ComponentFactory.hpp>
 #include <Vela/System/Kiro/IApplication.hpp>
 #include <Vela/System/Kiro/IComponentFactory.hpp>
 #include <Vela/System/Kiro/IControllerComponent.hpp>
@@ -52,9 +53,14 @@ Json AskForTypes(const String& path, const std::vector<ProbedComponent>& compone
     if (loaded.library != nullptr)
     {
         answer["version"] = loaded.library->GetVersion().ToString();
+        Kiro::IComponentFactory& factory = loaded.library->GetComponentFactory();
+        if (const auto* table = dynamic_cast<Kiro::ComponentFactory*>(&factory))
+        {
+            answer["componentTypes"] = table->GetComponentTypes();
+        }
         for (const ProbedComponent& component : components)
         {
-            if (!loaded.library->GetComponentFactory().ContainsComponentType(component.type))
+            if (!factory.ContainsComponentType(component.type))
             {
                 answer["unknownTypes"].push_back(component.type);
             }
@@ -105,6 +111,10 @@ LibraryFacts ProbeLibrary(const String& path, const std::vector<ProbedComponent>
     }
     facts.hasEntry = types.answer->at("hasEntry");
     facts.version = types.answer->value("version", "");
+    if (types.answer->contains("componentTypes"))
+    {
+        facts.componentTypes = types.answer->at("componentTypes").get<std::vector<String>>();
+    }
     facts.unknownTypes = types.answer->at("unknownTypes").get<std::vector<String>>();
     for (const ProbedComponent& component : components)
     {

@@ -34,6 +34,8 @@ struct LibraryFacts
     /// Whether it has components at all.
     bool hasEntry = false;
     String version;
+    /// All that it has; nothing when it makes components in a way of its own, and so does not tell.
+    std::optional<std::vector<String>> componentTypes;
     /// The types asked for that it does not have.
     std::vector<String> unknownTypes;
     /// By name: those that were to be constructed and could be.

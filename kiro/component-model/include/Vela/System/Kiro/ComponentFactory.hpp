@@ -3,6 +3,7 @@
 #include <Vela/System/Kiro/IComponentFactory.hpp>
 
 #include <map>
+#include <vector>
 
 namespace Vela::System::Kiro
 {
@@ -20,6 +21,9 @@ public:
 
     /// The first registration of a type name counts; later ones are ignored.
     void AddFactoryMethod(const String& componentType, ComponentFactoryMethod factoryMethod);
+
+    /// All type names, in byte order: for tools. A factory of another class need not be able to tell.
+    [[nodiscard]] std::vector<String> GetComponentTypes() const;
 
     [[nodiscard]] bool ContainsComponentType(const String& componentType) override;
     std::shared_ptr<IComponent> CreateComponent(IApplication& application, const String& componentType,
