@@ -1,5 +1,6 @@
 #include "RscRuntime.hpp"
 #include "Security/AccessControl.hpp"
+#include "Transport/RuntimeDirectory.hpp"
 
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/Exceptions.hpp>
@@ -68,6 +69,11 @@ bool RscManager::DisposeInstance()
     RscRuntime::SetInstance(nullptr);
     AppDomainSingleton<RscManager>::DisposeInstance();
     return hasEnded;
+}
+
+String RscManager::FindRuntimeDirectory(bool isForSystem)
+{
+    return RuntimeDirectory(isForSystem ? RuntimeDirectory::Use::Share : RuntimeDirectory::Use::Look).GetPath();
 }
 
 void RscManager::AssignAppDomain(AppDomain& appDomain)

@@ -21,6 +21,10 @@ foreach(option -fstack-protector-strong -fstack-clash-protection -fcf-protection
   endif()
 endforeach()
 cmake_pop_check_state()
+# A crash tells its stack: on ARM a function without exceptions has no way back otherwise.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+  list(APPEND VELA_HARDENING_COMPILE_OPTIONS -funwind-tables)
+endif()
 
 # All symbols are bound at load, so that the tables of addresses are read-only afterwards; no stack is executable.
 set(VELA_HARDENING_LINK_OPTIONS

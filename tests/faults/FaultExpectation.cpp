@@ -338,6 +338,25 @@ Steps GetLines(const FaultCell& cell, Outcome outcome)
     return lines;
 }
 
+bool LeavesRecord(const FaultCell& cell, Outcome outcome)
+{
+    switch (outcome)
+    {
+    case Outcome::NeverStarts:
+    case Outcome::SetupFails:
+    case Outcome::WatchdogEnds:
+        return true;
+    default:
+        break;
+    }
+#ifdef VELA_SANITIZED
+    const bool crashes = false;
+#else
+    const bool crashes = cell.fault == Fault::Crash || cell.IsFatalThrow();
+#endif
+    return crashes;
+}
+
 } // namespace
 
 bool ExpectedSteps::Matches(const std::string& steps) const
@@ -352,6 +371,7 @@ FaultExpectation::FaultExpectation(const FaultCell& cell)
     , faulty(GetSteps(cell, outcome, Rank::Faulty))
     , last(GetSteps(cell, outcome, Rank::Last))
     , lines(GetLines(cell, outcome))
+    , leavesRecord(LeavesRecord(cell, outcome))
 {
     const bool isCertain = outcome == Outcome::EndsInOrder || outcome == Outcome::RemovesFaulty;
     if (isCertain && cell.GetKilledProcess().empty())

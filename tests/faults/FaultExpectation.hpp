@@ -42,6 +42,8 @@ struct FaultExpectation
     ExpectedSteps last;
     std::vector<std::string> lines;
     std::vector<std::string> absentTexts;
+    /// A process crashes, or a set-up fails.
+    bool leavesRecord;
 
     /// Nobody is left who could have cleared the runtime directory.
     [[nodiscard]] bool MayLeaveNames() const;

@@ -393,6 +393,7 @@ void FaultScenario::Check()
     {
         CheckLeftovers("at the end");
     }
+    CheckRecord("at the end");
 }
 
 void FaultScenario::CheckNextStart()
@@ -406,6 +407,15 @@ void FaultScenario::CheckNextStart()
     const bool isHealthy = exitCode == 0 && !next.HasOutput("Error") && !next.HasOutput("Warning");
     Require(isHealthy, "the next start went wrong: " + std::to_string(exitCode) + "\n" + next.GetOutput());
     CheckLeftovers("after the next start");
+    CheckRecord("after the next start");
+}
+
+void FaultScenario::CheckRecord(const std::string& when)
+{
+    const std::filesystem::path records = std::filesystem::path(system.GetRuntimeDirectory()) / "crashes";
+    const auto count =
+        std::filesystem::exists(records) ? std::distance(std::filesystem::directory_iterator(records), {}) : 0;
+    Require(count == (expected.leavesRecord ? 1 : 0), "crash records " + when + ": " + std::to_string(count));
 }
 
 void FaultScenario::CheckLeftovers(const std::string& when)
@@ -422,6 +432,11 @@ void FaultScenario::CheckLeftovers(const std::string& when)
     for (const auto& entry : std::filesystem::recursive_directory_iterator(system.directory.GetPath()))
     {
         const std::string name = entry.path().filename().string();
+        const bool isRecord = name == "crashes" || entry.path().parent_path().filename() == "crashes";
+        if (isRecord && expected.leavesRecord)
+        {
+            continue;
+        }
         Require(own.contains(name), std::string("left ").append(when).append(": ").append(name));
     }
 }

@@ -39,6 +39,8 @@ private:
     void Finish();
     void Check();
     void CheckNextStart();
+    /// Records stay, also those of earlier lives.
+    void CheckRecord(const std::string& when);
     void CheckLeftovers(const std::string& when);
 
     void Require(bool isMet, const std::string& what);

@@ -140,6 +140,8 @@ TEST_F(SurroundingsTest, AnyNumberOfDescriptorsGivesAWholeSystemOrAClearError)
             EXPECT_TRUE(main.HasOutput("oo many open files") || (exitCode == 127 && main.HasOutput(loaderText)))
                 << limit << ": " << main.GetOutput();
         }
+        // A record needs descriptors as well.
+        std::ignore = system.TakeCrashRecord();
         EXPECT_EQ(system.FindLeftovers(), "") << limit << ": " << main.GetOutput();
     }
     EXPECT_GT(failures, 5);
@@ -178,6 +180,7 @@ TEST_F(SurroundingsTest, ALibraryThatCannotBeLoadedEndsTheStartInOrder)
             EXPECT_TRUE(main.HasOutput("Library 'Broken' couldn't loaded in process " + std::string(process) + "."))
                 << main.GetOutput();
             EXPECT_TRUE(main.HasOutput(text)) << path << "\n" << main.GetOutput();
+            EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
             EXPECT_EQ(system.FindLeftovers(), "") << path;
         }
     }
@@ -191,6 +194,7 @@ TEST_F(SurroundingsTest, ALibraryThatCrashesInItsInitialiserTakesItsProcessAndTh
     StartedProcess main = system.Start();
     EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
     EXPECT_TRUE(main.HasOutput("Library 'Broken' couldn't loaded in process Left.")) << main.GetOutput();
+    EXPECT_NE(system.TakeCrashRecord().find(": failed set-up\n"), std::string::npos);
     EXPECT_EQ(system.FindLeftovers(), "");
 }
 
@@ -207,6 +211,7 @@ TEST_F(SurroundingsTest, DocumentsCutOffAnywhereEndTheStartWithTheirNames)
             StartedProcess main = system.Start();
             EXPECT_EQ(main.AwaitEnd(), exitCode) << main.GetOutput();
             EXPECT_TRUE(main.HasOutput(name)) << size << "\n" << main.GetOutput();
+            EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
             EXPECT_EQ(system.FindLeftovers(), "");
         }
         system.directory.Write(name, text);

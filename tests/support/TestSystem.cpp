@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+
 namespace Vela::Testing
 {
 
@@ -44,6 +46,29 @@ std::string TestSystem::FindLeftovers() const
         }
     }
     return names;
+}
+
+std::string TestSystem::TakeCrashRecord() const
+{
+    const fs::path records = fs::path(GetRuntimeDirectory()) / "crashes";
+    if (!fs::exists(records))
+    {
+        return "no record";
+    }
+    const std::vector<fs::path> files(fs::directory_iterator(records), fs::directory_iterator{});
+    const bool isPrivate =
+        fs::status(records).permissions() == fs::perms::owner_all &&
+        std::all_of(files.begin(), files.end(),
+                    [](const fs::path& file)
+                    { return fs::status(file).permissions() == (fs::perms::owner_read | fs::perms::owner_write); });
+    std::string text = "several records";
+    if (files.size() == 1 && isPrivate)
+    {
+        std::ifstream stream(files.front());
+        text.assign(std::istreambuf_iterator<char>(stream), {});
+    }
+    fs::remove_all(records);
+    return isPrivate ? text : "a record that others can read";
 }
 
 std::string TestSystem::GetBuiltFile(const std::string& name)

@@ -38,6 +38,10 @@ public:
     /// What lies in the runtime directory, blank-separated, but for the lock file; empty after an orderly end.
     [[nodiscard]] std::string FindLeftovers() const;
 
+    /// The text of the one record that a crash or a failed set-up has left for its user alone, and removes it; what is
+    /// wrong instead when there is none, or several.
+    [[nodiscard]] std::string TakeCrashRecord() const;
+
     [[nodiscard]] std::string GetRuntimeDirectory() const
     {
         return directory / "run";

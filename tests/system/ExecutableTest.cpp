@@ -50,6 +50,7 @@ TEST_F(ExecutableTest, EndsWithOneWhenItCannotBeSetUp)
         EXPECT_EQ(process.AwaitEnd(), 1) << process.GetOutput();
         EXPECT_TRUE(process.HasOutput("Fatal error occurs in application 'MainProcess':")) << process.GetOutput();
         EXPECT_TRUE(process.HasOutput(message)) << process.GetOutput();
+        EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
         EXPECT_EQ(system.FindLeftovers(), "");
     }
 }

@@ -94,6 +94,7 @@ protected:
         StartedProcess main = system.Start();
         EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
         EXPECT_TRUE(main.HasOutput(GetParam().message)) << main.GetOutput();
+        EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
         EXPECT_EQ(system.FindLeftovers(), "");
     }
 
@@ -232,6 +233,7 @@ TEST_F(SpecialComponentTest, AChildThatDiesInsideACallFailsTheCallAndTheStart)
     EXPECT_TRUE(main.HasOutput("Exception occurs while setting up component 'Dying': RscException: "))
         << main.GetOutput();
     EXPECT_TRUE(GetSteps("First").ends_with("PublishServices Dispose Destroy")) << GetSteps("First");
+    EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
     EXPECT_EQ(system.FindLeftovers(), "");
 }
 

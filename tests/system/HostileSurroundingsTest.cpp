@@ -32,6 +32,7 @@ protected:
     {
         StartedProcess main = system.Start();
         EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
+        EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
         EXPECT_EQ(system.FindLeftovers(), "");
         return main.GetOutput();
     }

@@ -82,6 +82,7 @@ TEST_F(ReleasesTest, AComponentLibraryOfAnotherMajorVersionIsRefused)
     StartedProcess main = system.Start();
     EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
     EXPECT_TRUE(main.HasOutput(GetSoname("Kiro", 1))) << main.GetOutput();
+    EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
     EXPECT_EQ(system.FindLeftovers(), "");
 }
 

@@ -163,6 +163,7 @@ TEST_F(WholeSystemTest, AChildThatDiesAtItsStartEndsTheStart)
     EXPECT_TRUE(main.HasOutput("Process 'Left' has exited unexpectedly at startup.")) << main.GetOutput();
     EXPECT_TRUE(main.HasOutput("Could not start process 'Left'.")) << main.GetOutput();
     EXPECT_TRUE(main.HasOutput("Could not start all processes")) << main.GetOutput();
+    EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
     EXPECT_EQ(system.FindLeftovers(), "");
 }
 
@@ -176,6 +177,7 @@ TEST_F(WholeSystemTest, ARequiredComponentThatFailsEndsTheStartAndAllIsTakenDown
     EXPECT_TRUE(main.HasOutput("out of paper")) << main.GetOutput();
     EXPECT_EQ(GetOrder("Start"), "");
     EXPECT_EQ(GetOrder("Destroy"), "Faulty Fine");
+    EXPECT_TRUE(system.TakeCrashRecord().starts_with("reason: failed set-up\n"));
     EXPECT_EQ(system.FindLeftovers(), "");
 }
 

@@ -1,6 +1,8 @@
 #include <Host/ApplicationData.hpp>
 #include <Host/GuardedSteps.hpp>
+#include <Host/ParentProcess.hpp>
 #include <Sm/KiroSecurityNotifications.hpp>
+#include <Sm/SystemManager.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
@@ -57,6 +59,7 @@ int ApplicationBase::Main(int argc, char** argv, LogLevel logLevel)
     try
     {
         Setup(logLevel, nullptr);
+        data->isSetUp = true;
         log.Info("Application '{0}' was setup successfully.", GetName());
         const std::int32_t result = Run();
         log.Info("Application '{0}' terminates.", GetName());
@@ -64,7 +67,9 @@ int ApplicationBase::Main(int argc, char** argv, LogLevel logLevel)
     }
     catch (...)
     {
-        LogFatal(DescribeCurrentException());
+        const String error = DescribeCurrentException();
+        LogFatal(error);
+        RecordFailure(error);
         return 1;
     }
 }
@@ -93,6 +98,19 @@ bool ApplicationBase::Dispose()
     guard([this] { DisposeCommons(); });
     data->SetName("");
     return isOrderly;
+}
+
+void ApplicationBase::RecordFailure(const String& error) const
+{
+    // A child that has lost its parent in the middle of its start has failed at nothing itself.
+    if (FindEndedParent())
+    {
+        return;
+    }
+    const auto* systemManager = Singleton<Sm::SystemManager>::TryGetInstance();
+    data->failureRecord.Write(GetName(), data->isSetUp ? "failed" : "failed set-up", error,
+                              systemManager == nullptr ? std::vector<Sm::ProcessState>()
+                                                       : systemManager->DescribeProcesses());
 }
 
 void ApplicationBase::RestartSystem()

@@ -7,6 +7,8 @@
 #include <Sm/SystemManager.hpp>
 #include <Vela/AppDomain.hpp>
 #include <Vela/Singleton.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Kiro/IComponent.hpp>
@@ -81,6 +83,12 @@ void ApplicationBase::SetupRemoting(bool isMainProcess)
     const std::int32_t defaultPort = isMainProcess ? -1 : 0;
     const std::int32_t port = data->localTcpPort != 0 ? data->localTcpPort : defaultPort;
     Rsc::RscManager::CreateInstance(GetName(), port, data->settings.GetRscSettings().GetPath(), isMainProcess);
+    const String runtimeDirectory = Rsc::RscManager::FindRuntimeDirectory(true);
+    Commons::Diagnostics::CrashHandler::SetRuntimeDirectory(runtimeDirectory);
+    if (isMainProcess)
+    {
+        Commons::Diagnostics::CrashRecords(runtimeDirectory).RemoveOldest();
+    }
 }
 
 void ApplicationBase::SetupNotificationManager() const

@@ -2,6 +2,7 @@
 
 #include <Host/CommandLine.hpp>
 #include <Host/DefaultLibraryManager.hpp>
+#include <Host/FailureRecord.hpp>
 #include <Host/ProcessorBinding.hpp>
 #include <Host/ShutdownRequest.hpp>
 #include <Host/Supervision.hpp>
@@ -67,6 +68,8 @@ struct ApplicationData
     Settings::KiroSettings settings;
     ProcessorBinding processors;
     std::unique_ptr<Commons::Runtime::SignalHandler> signalHandler;
+    FailureRecord failureRecord;
+    bool isSetUp = false;
     /// Of the main process alone.
     std::unique_ptr<Supervision> supervision;
     SystemRoles roles;

@@ -2,6 +2,7 @@
 #include <Host/GuardedSteps.hpp>
 #include <Host/ParentProcess.hpp>
 #include <Vela/CaughtException.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Diagnostics/Logger.hpp>
 #include <Vela/System/Commons/Threading/Thread.hpp>
@@ -92,6 +93,7 @@ void MainApplicationBase::SetupInternal()
 {
     SetupTerminateHandler();
     SetupExceptionHandler();
+    Commons::Diagnostics::CrashHandler::Install(GetName());
     ProcessCommandLineInternal();
     if (processKind == ProcessKind::Main)
     {

@@ -47,8 +47,14 @@ void SystemRoles::RestartSystem()
     application.RestartSystem();
 }
 
+void SystemRoles::RecordFailure(const String& reason, const std::vector<Sm::ProcessState>& processes)
+{
+    data.failureRecord.Write(GetName(), reason, {}, processes);
+}
+
 void SystemRoles::ReportStatus(const String& text)
 {
+    data.failureRecord.SetPhase(text);
     if (data.supervision)
     {
         data.supervision->ReportStatus(text);

@@ -30,6 +30,7 @@ public:
     void RequestShutdown() override;
     void RestartSystem() override;
     void ReportStatus(const String& text) override;
+    void RecordFailure(const String& reason, const std::vector<Sm::ProcessState>& processes) override;
     std::vector<Services::ComponentInfo> GetDefaultComponentInfos() const override;
     bool ResolveDeprecatedVariableName(const String& name, String& currentName) const override;
     std::map<String, String> GetChildEnvironment() const override;

@@ -4,6 +4,7 @@
 #include <Pm/SharedLibraryLoader.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/Breadcrumb.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Kiro/IComponentFactory.hpp>
 #include <Vela/System/Kiro/Services/Internal/ProcessManagerServiceProxy.hpp>
@@ -14,6 +15,7 @@
 namespace Vela::System::Kiro::Internal::Pm
 {
 
+using Commons::Diagnostics::Breadcrumb;
 using Services::Internal::DiagnosticsServiceFactory;
 using Services::Internal::ProcessManagerServiceFactory;
 using Services::Internal::ProcessManagerServiceProxyFactory;
@@ -117,6 +119,7 @@ bool ProcessManager::TryLoadLibrary(const String& libraryName, const String& lib
     };
     try
     {
+        const Breadcrumb breadcrumb("LoadLibrary", "library", libraryName);
         LoadedLibrary loaded = SharedLibraryLoader::Load(libraryPath, false, {});
         loaded.referenceCount = 1;
         log.Debug("Shared Library '{0}' with path '{1}' loaded.", libraryName, libraryPath);
@@ -181,6 +184,7 @@ void ProcessManager::UnloadSharedLibraries()
 
 bool ProcessManager::Unload(const String& libraryName, LoadedLibrary& library) const
 {
+    const Breadcrumb breadcrumb("UnloadLibrary", "library", libraryName);
     const bool isUnloaded = SharedLibraryLoader::Unload(library);
     if (!isUnloaded)
     {
@@ -219,6 +223,7 @@ ProcessManager::LibraryInUse ProcessManager::UseLibrary(const String& libraryNam
 ComponentProperties ProcessManager::CreateComponent(const String& componentType, const String& componentName,
                                                     const String& libraryName)
 {
+    const Breadcrumb breadcrumb("CreateComponent", "component", componentName);
     if (libraryName.empty())
     {
         return CreateStaticComponent(componentType, componentName);
@@ -284,6 +289,7 @@ void ProcessManager::DestroyComponent(const String& componentName)
 
 void ProcessManager::ReleaseComponent(const String& componentName, std::shared_ptr<IComponent> component) const
 {
+    const Breadcrumb breadcrumb("DestroyComponent", "component", componentName);
     bool hasEnded = false;
     Guard("withdrawing services of component", componentName,
           [&] { hasEnded = Rsc::ServiceManager::UnpublishComponentServices(componentName); });
@@ -293,6 +299,8 @@ void ProcessManager::ReleaseComponent(const String& componentName, std::shared_p
                     componentName);
         Abandon(std::move(component));
     }
+    // Now, so that what its destructor does is known to be its own.
+    component.reset();
 }
 
 ComponentProvider& ProcessManager::GetComponentProvider() noexcept

@@ -1,8 +1,11 @@
 #include <Pm/ProcessManager.hpp>
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/Breadcrumb.hpp>
 
 namespace Vela::System::Kiro::Internal::Pm
 {
+
+using Commons::Diagnostics::Breadcrumb;
 
 std::shared_ptr<IComponent> ProcessManager::FindComponent(const String& componentName) const
 {
@@ -15,8 +18,10 @@ std::shared_ptr<IComponent> ProcessManager::FindComponent(const String& componen
 
 void ProcessManager::RunStep(IComponent& component, void (IComponent::*step)(), const char* stepName) const
 {
+    const String name = component.GetName();
+    const Breadcrumb breadcrumb(stepName, "component", name);
     (component.*step)();
-    log.Trace("{0} of component '{1}' called.", stepName, component.GetName());
+    log.Trace("{0} of component '{1}' called.", stepName, name);
 }
 
 void ProcessManager::RunControllerStep(IComponent& component, void (IControllerComponent::*step)(),
@@ -24,8 +29,10 @@ void ProcessManager::RunControllerStep(IComponent& component, void (IControllerC
 {
     if (auto* controller = dynamic_cast<IControllerComponent*>(&component))
     {
+        const String name = component.GetName();
+        const Breadcrumb breadcrumb(stepName, "component", name);
         (controller->*step)();
-        log.Trace("{0} of component '{1}' called.", stepName, component.GetName());
+        log.Trace("{0} of component '{1}' called.", stepName, name);
     }
 }
 
@@ -41,8 +48,10 @@ void ProcessManager::SubscribeComponentServices(IComponent& component) const
 
 void ProcessManager::LoadComponentSettings(IComponent& component, const String& settingsPath) const
 {
+    const String name = component.GetName();
+    const Breadcrumb breadcrumb("LoadSettings", "component", name);
     component.LoadSettings(settingsPath);
-    log.Trace("LoadSettings of component '{0}' with path '{1}' called.", component.GetName(), settingsPath);
+    log.Trace("LoadSettings of component '{0}' with path '{1}' called.", name, settingsPath);
 }
 
 void ProcessManager::SetupComponentSettings(IComponent& component) const

@@ -2,6 +2,8 @@
 
 #include <Vela/String.hpp>
 
+#include <sys/types.h>
+
 #include <functional>
 #include <map>
 #include <vector>
@@ -13,6 +15,16 @@ class ComponentInfo;
 
 namespace Vela::System::Kiro::Internal::Sm
 {
+
+/// A child process as the main process sees it.
+struct ProcessState
+{
+    String name;
+    pid_t id = 0;
+    bool hasExited = false;
+    /// "running", or how it ended.
+    String state;
+};
 
 /// What the system manager needs of the application that owns it. Operations may be called from any thread unless they
 /// say otherwise.
@@ -34,6 +46,9 @@ public:
     virtual void RestartSystem() = 0;
     /// What the system does now, in a few words, for whoever supervises the main process.
     virtual void ReportStatus(const String& text) = 0;
+    /// Leaves a record of a failure that ends the system.
+    /// @param processes  all children
+    virtual void RecordFailure(const String& reason, const std::vector<ProcessState>& processes) = 0;
 
     /// Descriptions of the components that the main process has without any configuration.
     virtual std::vector<Services::ComponentInfo> GetDefaultComponentInfos() const = 0;

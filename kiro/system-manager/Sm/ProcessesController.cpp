@@ -3,6 +3,7 @@
 #include <Sm/ProcessesController.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
@@ -11,6 +12,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -267,6 +269,27 @@ String ProcessesController::FindFault(std::chrono::milliseconds patience) const
     return {};
 }
 
+std::vector<ProcessState> ProcessesController::DescribeProcesses() const
+{
+    std::vector<ProcessState> states;
+    for (const auto& [name, process] : processes)
+    {
+        if (process->process.IsStarted())
+        {
+            const bool hasExited = process->process.HasExited();
+            states.push_back({name, process->process.GetId(), hasExited,
+                              hasExited ? process->process.GetExit().ToString() : "running"});
+        }
+    }
+    return states;
+}
+
+void ProcessesController::AbortProcess()
+{
+    Commons::Diagnostics::CrashHandler::Withdraw();
+    std::abort();
+}
+
 void ProcessesController::ProcessesWatchdogRun()
 {
     lastLook = Clock::now();
@@ -278,12 +301,15 @@ void ProcessesController::ProcessesWatchdogRun()
         }
         isChildGone = true;
         log.Fatal("Process '{}' has exited unexpectedly.", name);
+        const auto states = DescribeProcesses();
         for (const auto& [otherName, other] : processes)
         {
             // Also the one that has exited: what it has started itself may still be there.
             other->process.Kill();
         }
         log.Fatal("All other living processes terminated immediately.");
+        log.Fatal("Process '{0}' ended: {1}.", name, process->process.GetExit().ToString());
+        host.RecordFailure("process gone", states);
         if (auto* logManager = Commons::Diagnostics::LogManager::TryGetInstance())
         {
             logManager->Flush();

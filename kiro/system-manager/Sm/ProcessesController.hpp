@@ -13,7 +13,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <span>
@@ -43,7 +42,7 @@ public:
     ProcessesController(ISystemManagerHost& systemManagerHost, Data::ProcessTable& processTable,
                         const Settings::ProcessSettings& settings, SlowCallWatcher& slowCallWatcher,
                         ProcessConnector processConnector = ConnectToProcess,
-                        std::function<void()> abortFunction = std::abort);
+                        std::function<void()> abortFunction = AbortProcess);
     ProcessesController(const ProcessesController&) = delete;
     ProcessesController& operator=(const ProcessesController&) = delete;
 
@@ -79,7 +78,13 @@ public:
     /// watchdog's idle time and `patience`. Empty when all is well. From any thread.
     [[nodiscard]] String FindFault(std::chrono::milliseconds patience) const;
 
+    /// The children that were started. Main thread or watchdog.
+    [[nodiscard]] std::vector<ProcessState> DescribeProcesses() const;
+
     [[nodiscard]] const ServiceTable& GetServices() const noexcept;
+
+    /// Aborts this process without a report of a crash: why is known.
+    static void AbortProcess();
 
 private:
     using Clock = std::chrono::steady_clock;

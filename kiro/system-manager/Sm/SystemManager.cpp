@@ -200,6 +200,11 @@ String SystemManager::FindFault(std::chrono::milliseconds patience) const
     return fault.empty() ? slowCalls.FindCallBeyond(patience) : fault;
 }
 
+std::vector<ProcessState> SystemManager::DescribeProcesses() const
+{
+    return processesController.DescribeProcesses();
+}
+
 const Settings::ProcessSettings& SystemManager::GetSettings() const noexcept
 {
     return processSettings;

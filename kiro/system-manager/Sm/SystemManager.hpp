@@ -64,6 +64,9 @@ public:
     /// than `patience`. Empty when it is healthy.
     [[nodiscard]] String FindFault(std::chrono::milliseconds patience) const;
 
+    /// All children. Main thread.
+    [[nodiscard]] std::vector<ProcessState> DescribeProcesses() const;
+
     [[nodiscard]] const Settings::ProcessSettings& GetSettings() const noexcept;
     /// Sets a variable in every connected process.
     /// @throws ArgumentException for a name of 128 or a value of 512 bytes or more; the failure of the first process

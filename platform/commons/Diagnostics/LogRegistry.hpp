@@ -33,6 +33,12 @@ public:
     /// Waits for messages that other threads are writing.
     void Flush() noexcept;
 
+    /// Without a lock: for a process that crashes or fails.
+    [[nodiscard]] const LogRing& GetRecentMessages() const noexcept
+    {
+        return recent;
+    }
+
     [[nodiscard]] LogLevel GetLevel() const;
     [[nodiscard]] std::vector<CategoryLevel> GetLevels() const;
     [[nodiscard]] LogHistory GetHistory(std::uint64_t after, std::size_t maximumCount) const;

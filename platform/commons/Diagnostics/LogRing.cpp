@@ -90,4 +90,28 @@ LogHistory LogRing::Read(std::uint64_t after, std::size_t maximumCount) const
     return history;
 }
 
+void LogRing::Write(PlainWriter& writer, const char* indent) const noexcept
+{
+    constexpr std::size_t mostLines = 32;
+    constexpr std::array levels{"", "", "Fatal", "Error", "", "Warning", "Info", "Debug", "Trace"};
+    constexpr std::int64_t microsecondsInSecond = 1'000'000;
+    std::size_t position = first;
+    for (std::size_t left = count; left > 0; --left)
+    {
+        const Header header = position + sizeof(Header) <= capacity ? GetHeader(position) : Header{};
+        const auto level = static_cast<std::size_t>(header.level);
+        if (header.category == nullptr || position + GetSize(header.textSize) > capacity || level >= levels.size())
+        {
+            return;
+        }
+        if (left <= mostLines)
+        {
+            writer.Text(indent).Time(header.time.GetMicroseconds() / microsecondsInSecond, false);
+            writer.Text(" ").Text(levels[level]).Text(" ").Text(header.category->c_str()).Text(": ");
+            writer.Text(memory.data() + position + sizeof(Header), header.textSize).EndLine();
+        }
+        position = GetNext(position);
+    }
+}
+
 } // namespace Vela::System::Commons::Diagnostics

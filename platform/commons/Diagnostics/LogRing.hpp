@@ -3,6 +3,7 @@
 #include <Vela/System/Commons/Diagnostics/LogHistory.hpp>
 
 #include <Diagnostics/LogRecord.hpp>
+#include <Diagnostics/PlainWriter.hpp>
 
 #include <array>
 #include <cstddef>
@@ -21,6 +22,9 @@ public:
     void Append(const LogRecord& record) noexcept;
     /// The oldest, at most `maximumCount`, of the messages behind number `after`.
     [[nodiscard]] LogHistory Read(std::uint64_t after, std::size_t maximumCount) const;
+    /// Writes the last messages, a line each behind an indent, oldest first. Async-signal-safe: one that is being taken
+    /// meanwhile ends the list.
+    void Write(PlainWriter& writer, const char* indent) const noexcept;
 
 private:
     struct Header

@@ -1,4 +1,5 @@
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
 #include <Vela/System/Commons/Threading/Thread.hpp>
 
 #include <pthread.h>
@@ -15,6 +16,7 @@ try : thread(
     [name, function = std::move(function)]
     {
         SetCurrentName(name);
+        const Diagnostics::AlternateSignalStack signalStack;
         function();
     })
 {

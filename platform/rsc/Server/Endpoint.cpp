@@ -3,6 +3,7 @@
 #include "Transport/TransportException.hpp"
 
 #include <Vela/CaughtException.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
 #include <Vela/System/Commons/SystemError.hpp>
 #include <Vela/System/Commons/Threading/Thread.hpp>
 
@@ -184,6 +185,7 @@ void Endpoint::Serve(Commons::UniqueFd socket, const ConnectionPeer& peer, RscCa
             [connection, sharedBoard = board, hasEnded]
             {
                 Commons::Threading::Thread::SetCurrentName("rsc-server");
+                const Commons::Diagnostics::AlternateSignalStack signalStack;
                 connection->Serve();
                 sharedBoard->ReportEnd(*hasEnded);
             });

@@ -1,14 +1,18 @@
 // Does in a process of its own what the tests cannot do in theirs; the first argument says what.
 
 #include <Vela/AppDomain.hpp>
+#include <Vela/System/Commons/Diagnostics/Breadcrumb.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Diagnostics/Logger.hpp>
 #include <Vela/System/Commons/Runtime/SignalHandler.hpp>
 #include <Vela/System/Commons/Threading/AutoResetEvent.hpp>
+#include <Vela/System/Commons/Threading/Thread.hpp>
 
 #include <fcntl.h>
 #include <sched.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -237,6 +241,74 @@ int LogIntoClosedPipe(const Arguments&)
     return 0;
 }
 
+/// Uses up the stack of its thread.
+int Recurse(volatile char* outer)
+{
+    volatile char room[4096];
+    room[0] = outer[0];
+    return outer == nullptr ? 0 : Recurse(room) + room[0];
+}
+
+void Crash(const std::string& way)
+{
+    char seed = 0;
+    if (way == "null")
+    {
+        *static_cast<volatile int*>(nullptr) = 1;
+    }
+    else if (way == "jump")
+    {
+        void (*volatile nowhere)() = nullptr;
+        nowhere();
+    }
+    else if (way == "overflow")
+    {
+        Recurse(&seed);
+    }
+    else if (way == "bus")
+    {
+        // A page of a file that has none.
+        const int file = ::memfd_create("empty", MFD_CLOEXEC);
+        void* page = ::mmap(nullptr, 1, PROT_READ, MAP_SHARED, file, 0);
+        seed = *static_cast<volatile char*>(page);
+    }
+    else if (way == "raise")
+    {
+        ::raise(SIGFPE);
+    }
+    std::abort();
+}
+
+/// Crashes in the given way on a thread of its own.
+int CrashOnThread(const Arguments& arguments)
+{
+    const std::string& way = arguments[1];
+    if (way == "foreign")
+    {
+        ::signal(SIGABRT, [](int) { ::_exit(7); });
+    }
+    Diagnostics::CrashHandler::Install("Helper");
+    Diagnostics::CrashHandler::SetRuntimeDirectory(arguments[0]);
+    if (way == "withdrawn")
+    {
+        Diagnostics::CrashHandler::Withdraw();
+    }
+    LogManager::CreateInstance(LogLevel::Info);
+    Logger::Get("Helper").Info("is about to crash");
+    Threading::Thread("Crasher",
+                      [&]
+                      {
+                          const String nobody = "nobody";
+                          const Diagnostics::Breadcrumb outer("Outside", "component", nobody);
+                          const Diagnostics::Breadcrumb breadcrumb("Crash", "component", way);
+                          {
+                              const Diagnostics::Breadcrumb done("Before", "component", nobody);
+                          }
+                          Crash(way);
+                      });
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -249,6 +321,7 @@ int main(int argc, char** argv)
         {"log-through-managers", LogThroughManagers},
         {"log-long-lines", LogLongLines},
         {"log-into-closed-pipe", LogIntoClosedPipe},
+        {"crash", CrashOnThread},
     };
     return modes.at(argv[1])(Arguments(argv + 2, argv + argc));
 }

@@ -16,6 +16,7 @@ public:
     std::string configPath;
     std::string executablePath;
     std::vector<System::Kiro::Services::ComponentInfo> defaultComponents;
+    std::vector<String> records;
     int shutdownRequests = 0;
     bool isAffinityOriginal = false;
 
@@ -45,6 +46,16 @@ public:
 
     void ReportStatus(const String& /*text*/) override
     {
+    }
+
+    void RecordFailure(const String& reason,
+                       const std::vector<System::Kiro::Internal::Sm::ProcessState>& processes) override
+    {
+        records.push_back(reason);
+        for (const auto& process : processes)
+        {
+            records.push_back(process.name + ": " + process.state);
+        }
     }
 
     std::vector<System::Kiro::Services::ComponentInfo> GetDefaultComponentInfos() const override

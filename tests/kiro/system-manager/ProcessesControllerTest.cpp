@@ -420,5 +420,7 @@ TEST_F(ProcessesControllerTest, KillsAllOthersAndAbortsWhenAChildHasDied)
     EXPECT_EQ(aborts, 1);
     EXPECT_TRUE(processes["Survivor"]->process.HasExited());
     EXPECT_THAT(log.GetLines("Fatal"), ElementsAre("Fatal: Process 'Crashed' has exited unexpectedly.",
-                                                   "Fatal: All other living processes terminated immediately."));
+                                                   "Fatal: All other living processes terminated immediately.",
+                                                   "Fatal: Process 'Crashed' ended: signal 9 (Killed)."));
+    EXPECT_THAT(host.records, ElementsAre("process gone", "Crashed: signal 9 (Killed)", "Survivor: running"));
 }

@@ -91,6 +91,10 @@ Trace Observe(const LifecycleCase& system)
     }
     SortWhatHasNoOrder(trace);
     trace.push_back(fmt::format("{}xit code {}", isUp ? "Up, e" : "E", exitCode));
+    if (!isUp && !files.TakeCrashRecord().starts_with("reason: failed set-up\n"))
+    {
+        trace.push_back("A failed set-up without its record");
+    }
     const std::string leftovers = files.FindLeftovers();
     if (!leftovers.empty())
     {

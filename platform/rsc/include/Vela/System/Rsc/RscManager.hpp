@@ -44,6 +44,11 @@ public:
     /// call.
     /// @return false when a call is still running: the code that it runs must stay mapped
     static bool DisposeInstance();
+    /// The path of the runtime directory that the environment gives to processes of this user, checked as for a
+    /// remoting.
+    /// @param isForSystem  true: it is made when it is missing, and must be this user's; false: it must be there
+    /// @throws InvalidOperationException when others could write into it; Exception when it cannot be made or opened
+    static String FindRuntimeDirectory(bool isForSystem);
     /// Called by component libraries, so that they publish into the host's remoting.
     static void AssignAppDomain(AppDomain& appDomain);
 

@@ -174,6 +174,8 @@ protected:
     [[nodiscard]] bool IsShutdownRequested() const noexcept;
 
 private:
+    void RecordFailure(const String& error) const;
+
     const std::unique_ptr<ApplicationData> data;
 };
 

@@ -1,0 +1,83 @@
+#include <Host/FailureRecord.hpp>
+#include <Vela/CaughtException.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
+#include <Vela/System/Rsc/RscManager.hpp>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace Vela::System::Kiro::Internal
+{
+
+using Commons::Diagnostics::CrashRecords;
+
+namespace
+{
+
+String Describe(const std::vector<Sm::ProcessState>& processes)
+{
+    String text;
+    for (const Sm::ProcessState& process : processes)
+    {
+        text += fmt::format("{0}[{1}]: {2}\n", process.name, process.id, process.state);
+    }
+    return text;
+}
+
+/// What one of the processes has recorded itself; empty when none has.
+String FindRecord(const CrashRecords& records, const std::vector<Sm::ProcessState>& processes)
+{
+    for (const Sm::ProcessState& process : processes)
+    {
+        String name = process.hasExited ? records.FindOf(process.id) : String();
+        if (!name.empty())
+        {
+            return name;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+void FailureRecord::SetPhase(const String& text)
+{
+    const std::lock_guard lock(mutex);
+    phase = text;
+}
+
+void FailureRecord::Write(const String& processName, const String& reason, const String& error,
+                          const std::vector<Sm::ProcessState>& processes) noexcept
+{
+    try
+    {
+        const std::lock_guard lock(mutex);
+        const CrashRecords records(Rsc::RscManager::FindRuntimeDirectory(true));
+        name = name.empty() ? FindRecord(records, processes) : name;
+        const bool isFirst = name.empty();
+        CrashRecords::Fields fields{{isFirst ? "reason" : "failure", reason}};
+        if (isFirst)
+        {
+            fields.insert(fields.end(), {{"process", processName}, {"pid", std::to_string(getpid())}});
+        }
+        fields.insert(fields.end(), {{"phase", phase},
+                                     {"error", error},
+                                     {"processes", Describe(processes)},
+                                     {isFirst ? "log" : "log of " + processName, CrashRecords::GetRecentMessages()}});
+        std::erase_if(fields, [](const auto& field) { return field.second.empty(); });
+        if (isFirst)
+        {
+            name = records.Begin(fields);
+        }
+        else
+        {
+            records.Append(name, fields);
+        }
+    }
+    catch (...)
+    {
+        log.Warning("No record of the failure could be left: {0}", CaughtException::Current().GetText());
+    }
+}
+
+} // namespace Vela::System::Kiro::Internal

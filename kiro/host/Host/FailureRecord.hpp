@@ -1,0 +1,31 @@
+#pragma once
+
+#include <Sm/ISystemManagerHost.hpp>
+#include <Vela/String.hpp>
+#include <Vela/System/Commons/Diagnostics/Loggable.hpp>
+
+#include <mutex>
+#include <vector>
+
+namespace Vela::System::Kiro::Internal
+{
+
+/// Leaves one record in the runtime directory when this process's system fails: what a crashed child has recorded
+/// itself is added to. Thread-safe.
+class FailureRecord : private Commons::Diagnostics::Loggable<FailureRecord>
+{
+public:
+    /// What the system does from now on.
+    void SetPhase(const String& text);
+    /// Never throws: without room for a record the failure itself is still in the log.
+    void Write(const String& processName, const String& reason, const String& error,
+               const std::vector<Sm::ProcessState>& processes) noexcept;
+
+private:
+    std::mutex mutex;
+    String phase;
+    /// The record that this process began or added to.
+    String name;
+};
+
+} // namespace Vela::System::Kiro::Internal
