@@ -331,6 +331,10 @@ Steps GetLines(const FaultCell& cell, Outcome outcome)
         // It was not tied to the life of the main process yet, so it looks for itself.
         lines.emplace_back("that started this child process has ended.");
     }
+    if (cell.fault == Fault::Terminate || cell.fault == Fault::InterruptGroup)
+    {
+        lines.emplace_back("requests the shutdown of the system.");
+    }
     if (cell.fault == Fault::TerminateTwice || (cell.fault == Fault::Hang && cell.phase != Phase::Connect))
     {
         lines.emplace_back("Second signal (15): the process ends at once.");

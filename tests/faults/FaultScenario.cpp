@@ -3,6 +3,7 @@
 #include <Vela/System/Commons/UniqueFd.hpp>
 
 #include <RecordedTrace.hpp>
+#include <ThreadRest.hpp>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -212,7 +213,7 @@ std::string FaultScenario::MakeScript() const
         const std::string component = cell.phase == Phase::Load ? "-@" + cell.GetProcess() : "Faulty";
         if (cell.IsOwnFault() && cell.place != Place::Main && !cell.IsLeftToTheWatchdog())
         {
-            // The watchdog's first look follows its start soon, not at once; here it must be over.
+            // As AwaitFirstLook.
             text += component + " " + step + " settle ProcessesWatchd\n";
         }
         text += component + " " + step + " " + (IsHeldAtGate() ? "await " + gate : fault) + "\n";
@@ -254,6 +255,7 @@ void FaultScenario::Reach()
     }
     else if (cell.IsOwnFault())
     {
+        AwaitFirstLook();
         const UniqueFd victim = Watch(FindProcess(cell.GetProcess()));
         Open("gate");
         AwaitDeath(victim);
@@ -278,6 +280,7 @@ void FaultScenario::Inflict()
     {
     case Fault::KillChild:
     {
+        AwaitFirstLook();
         const pid_t process = FindProcess(cell.GetKilledProcess());
         const UniqueFd victim = Watch(process);
         kill(process, SIGKILL);
@@ -288,9 +291,11 @@ void FaultScenario::Inflict()
         main->Signal(SIGKILL);
         break;
     case Fault::Terminate:
-        // A shell does not know what the signal means here.
-        kill(cell.phase == Phase::Connect ? main->GetId() : FindProcess(cell.GetProcess()), SIGTERM);
-        main->AwaitLine("requests the shutdown of the system");
+        kill(FindProcess(cell.GetProcess()), SIGTERM);
+        if (cell.phase != Phase::Connect)
+        {
+            main->AwaitLine("requests the shutdown of the system");
+        }
         break;
     case Fault::InterruptGroup:
         main->SignalGroup(SIGINT);
@@ -320,6 +325,15 @@ void FaultScenario::Inflict()
         break;
     default:
         break;
+    }
+}
+
+/// The watchdog's first look follows its start soon, not at once. Where it is not to find what dies, it must be over.
+void FaultScenario::AwaitFirstLook() const
+{
+    if (cell.phase != Phase::Connect)
+    {
+        AwaitRest(main->GetId(), "ProcessesWatchd");
     }
 }
 

@@ -34,6 +34,7 @@ private:
     void Reach();
     void BeginBackwardPhase();
     void Inflict();
+    void AwaitFirstLook() const;
     void StopAndContinue(pid_t process);
     /// Ends the system unless the fault does.
     void Finish();

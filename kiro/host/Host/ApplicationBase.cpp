@@ -185,6 +185,7 @@ ApplicationData& ApplicationBase::GetData()
 void ApplicationBase::SetSignalHandler(SignalHandler::Handler handler)
 {
     data->signalHandler->SetHandler(std::move(handler));
+    data->hasSignalHandler = true;
 }
 
 void ApplicationBase::RequestShutdown()

@@ -70,6 +70,7 @@ struct ApplicationData
     std::unique_ptr<Commons::Runtime::SignalHandler> signalHandler;
     FailureRecord failureRecord;
     bool isSetUp = false;
+    bool hasSignalHandler = false;
     /// Of the main process alone.
     std::unique_ptr<Supervision> supervision;
     SystemRoles roles;

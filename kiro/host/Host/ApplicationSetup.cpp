@@ -39,6 +39,10 @@ void ApplicationBase::Setup(LogLevel logLevel, const char* settingsPath)
 {
     SetupBase(logLevel, settingsPath);
     SetupInternal();
+    if (!data->hasSignalHandler)
+    {
+        SetSignalHandler([this](int) { RequestShutdown(); });
+    }
 }
 
 void ApplicationBase::SetupBase(LogLevel logLevel, const char* settingsPath)
@@ -146,9 +150,14 @@ void ApplicationBase::SetupCommons(LogLevel logLevel)
 {
     SetupLogging(logLevel);
     data->signalHandler = std::make_unique<SignalHandler>();
+    data->hasSignalHandler = false;
     data->signalHandler->Setup();
-    // Until a derived host takes over, a signal ends the process as soon as it is set up.
-    SetSignalHandler([this](int) { RequestShutdown(); });
+    // Until a derived host takes over, a signal ends the process as soon as it is set up. A child that ended so would
+    // make the start of the whole system fail, so there it waits.
+    if (!HasParentProcess())
+    {
+        SetSignalHandler([this](int) { RequestShutdown(); });
+    }
     Environment::SetupSettings(data->settings.GetEnvironmentVariables());
     Environment::SetupSecuritySettings(data->settings.GetSecuritySettings().GetPath());
 }

@@ -91,12 +91,12 @@ void MainApplicationBase::ProcessCommandLineInternal()
 
 void MainApplicationBase::SetupInternal()
 {
-    SetupTerminateHandler();
     SetupExceptionHandler();
     Commons::Diagnostics::CrashHandler::Install(GetName());
     ProcessCommandLineInternal();
     if (processKind == ProcessKind::Main)
     {
+        SetupTerminateHandler();
         auto& supervision = GetData().supervision;
         supervision = std::make_unique<Supervision>();
         SetupBasicComponents(mainSetupKind, ProcessKind::Main);
@@ -105,6 +105,8 @@ void MainApplicationBase::SetupInternal()
     }
     TieLifeToParent();
     SetupBasicComponents(childSetupKind, ProcessKind::Child);
+    // Not before it can ask the main process: what came earlier has been waiting for this.
+    SetupTerminateHandler();
 }
 
 void MainApplicationBase::TieLifeToParent()

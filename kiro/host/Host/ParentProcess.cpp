@@ -7,6 +7,12 @@
 namespace Vela::System::Kiro::Internal
 {
 
+bool HasParentProcess()
+{
+    String id;
+    return Commons::Environment::GetVariableValue(Sm::parentProcessIdVariable, id);
+}
+
 std::optional<String> FindEndedParent()
 {
     String id;

@@ -1,13 +1,12 @@
 #include "CapturedLog.hpp"
+#include "ThreadRest.hpp"
 
 #include <Sm/LifecycleGate.hpp>
 #include <Sm/SlowCallWatcher.hpp>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
+#include <unistd.h>
 
 using namespace Vela::Testing;
 using namespace Vela::System::Kiro::Internal::Sm;
@@ -26,24 +25,6 @@ std::vector<std::string> AwaitWarnings(const CapturedLog& log, std::size_t count
         warnings = log.GetLines("Warning");
     }
     return warnings;
-}
-
-/// Blocks until the watcher's thread, of which there is one, waits for something.
-void AwaitSleepOfWatcher()
-{
-    for (;;)
-    {
-        for (const auto& task : std::filesystem::directory_iterator("/proc/self/task"))
-        {
-            std::string status;
-            std::getline(std::ifstream(task.path() / "stat"), status);
-            if (status.find("(SlowCallWatcher) S") != std::string::npos)
-            {
-                return;
-            }
-        }
-        std::this_thread::yield();
-    }
 }
 
 } // namespace
@@ -80,12 +61,12 @@ TEST(SlowCallWatcher, WarnsOfACallBehindOneThatWasOverBeforeTheWatcherWasAwake)
     {
         const CapturedLog log;
         SlowCallWatcher watcher(1ms);
-        AwaitSleepOfWatcher();
+        AwaitRest(getpid(), "SlowCallWatcher");
         {
             const SlowCallWatcher::Watch quick(watcher, "LoadConfig", "component", name, name);
         }
         std::this_thread::yield();
-        AwaitSleepOfWatcher();
+        AwaitRest(getpid(), "SlowCallWatcher");
         const SlowCallWatcher::Watch slow(watcher, "StartComponent", "component", name, name);
         // On a busy machine the quick call may have been a slow one too.
         for (std::size_t count = 1; AwaitWarnings(log, count).back().find("StartComponent") == std::string::npos;

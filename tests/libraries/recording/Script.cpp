@@ -5,6 +5,7 @@
 #include <Vela/System/Kiro/Services/Internal/SystemManagerServiceProxy.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
 
+#include <ThreadRest.hpp>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -103,29 +104,6 @@ void Request(const String& operation)
     ((*service).*operations.at(operation))();
 }
 
-bool RestsInParent(const String& threadName)
-{
-    const std::filesystem::path tasks = "/proc/" + std::to_string(getppid()) + "/task";
-    for (const auto& task : std::filesystem::directory_iterator(tasks))
-    {
-        // The state stands behind the name, which is in parentheses.
-        if (ReadFile(task.path() / "stat").find(" (" + threadName + ") S ") != String::npos)
-        {
-            return true;
-        }
-    }
-    return false;
-}
-
-/// Returns when a thread of the parent process that works in turns waits for its next one. Nothing tells of that.
-void AwaitRestInParent(const String& threadName)
-{
-    while (!RestsInParent(threadName))
-    {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-}
-
 } // namespace
 
 String TakeWord(String& text)
@@ -186,7 +164,7 @@ void Act(const String& action)
     }
     else if (verb == "settle")
     {
-        AwaitRestInParent(text);
+        AwaitRest(getppid(), text);
     }
     else if (verb == "crash")
     {
