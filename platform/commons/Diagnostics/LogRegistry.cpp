@@ -52,14 +52,24 @@ LogRegistry& LogRegistry::GetInstance()
 
 Logger& LogRegistry::GetLogger(const String& category)
 {
-    const std::lock_guard lock(mutex);
-    auto& logger = loggers[category];
-    if (logger == nullptr)
     {
-        logger = std::make_unique<Logger>(category);
-        logger->SetLevel(data == nullptr ? LogLevel::Trace : data->levels.Get(category));
+        const std::lock_guard lock(mutex);
+        if (const auto found = loggers.find(category); found != loggers.end())
+        {
+            return *found->second;
+        }
     }
-    return *logger;
+    // Nothing is allocated under the lock: an exception that nobody catches ends the process where it is thrown, with
+    // all locks held, and the process's last words need this one.
+    decltype(loggers) added;
+    added.emplace(category, std::make_unique<Logger>(category));
+    const std::lock_guard lock(mutex);
+    const auto [position, isNew, unused] = loggers.insert(added.extract(added.begin()));
+    if (isNew)
+    {
+        position->second->SetLevel(data == nullptr ? LogLevel::Trace : data->levels.Get(category));
+    }
+    return *position->second;
 }
 
 void LogRegistry::Write(const LogRecord& record) noexcept
