@@ -8,8 +8,10 @@ using Create = std::unique_ptr<Command>();
 // Each is defined in Commands/<Name>.cpp.
 Create CreateCheck;
 Create CreateCrashes;
+Create CreateGraph;
 Create CreateInspect;
 Create CreateNew;
+Create CreatePlan;
 Create CreateVersion;
 
 std::span<const CommandEntry> GetCommands()
@@ -20,6 +22,8 @@ std::span<const CommandEntry> GetCommands()
     static constexpr const char* tool = "The tool itself";
     static constexpr CommandEntry commands[] = {
         {"check", before, "Tell what is wrong with documents and libraries", &CreateCheck},
+        {"plan", before, "Show what would be started, in which order, and why", &CreatePlan},
+        {"graph", before, "Draw processes, components and libraries", &CreateGraph},
         {"crashes", after, "List what has crashed or failed to start, or show one of the records", &CreateCrashes},
         {"inspect", development, "Show what a component library is made for, needs and contains", &CreateInspect},
         {"new", development, "Write a project for a new component library", &CreateNew},

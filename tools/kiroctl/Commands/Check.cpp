@@ -1,6 +1,7 @@
 #include "../Check/Report.hpp"
 #include "../Check/SystemCheck.hpp"
 #include "../Command.hpp"
+#include "../Offline/DocumentArguments.hpp"
 
 namespace Vela::Kiroctl
 {
@@ -13,9 +14,7 @@ class Check final : public Command
 public:
     void Declare(CLI::App& app) override
     {
-        app.add_option("SETTINGS", documents.settings, "Settings document of the main process")->capture_default_str();
-        app.add_option("CONFIG", documents.configuration, "Configuration document of the system")
-            ->capture_default_str();
+        DeclareDocuments(app, documents);
         app.add_flag("--strict", isStrict, "Take warnings for errors");
         app.add_flag("--no-load", isLoadingForbidden,
                      "Look at libraries without loading them: their needs and types stay unknown");

@@ -52,6 +52,11 @@ void WriteAll(int descriptor, std::string_view text)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
+    // A crash shows as what it is, whoever handles signals in this process.
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
+    {
+        ::signal(signal, SIG_DFL);
+    }
     const UniqueFd nowhere(::open("/dev/null", O_RDWR | O_CLOEXEC));
     ::dup2(nowhere.Get(), STDIN_FILENO);
     ::dup2(nowhere.Get(), STDOUT_FILENO);

@@ -51,7 +51,8 @@ std::vector<std::string_view> Break(std::string_view text, std::size_t width)
         {
             end = size;
         }
-        lines.push_back(text.substr(0, end));
+        const std::string_view line = text.substr(0, end);
+        lines.push_back(line.substr(0, line.find_last_not_of(' ') + 1));
         text.remove_prefix(end);
         text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     }

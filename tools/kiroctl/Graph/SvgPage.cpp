@@ -1,0 +1,104 @@
+#include "SvgPage.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+std::string FormatLook(const SvgPage::Look& look)
+{
+    return fmt::format(R"(fill="{}" stroke="{}" stroke-width="{}"{}{})", look.fill, look.stroke, look.strokeWidth,
+                       look.isDashed ? R"( stroke-dasharray="5 4")" : "",
+                       look.opacity < 1 ? fmt::format(R"( opacity="{}")", look.opacity) : "");
+}
+
+} // namespace
+
+double SvgPage::GetTextWidth(std::string_view text, double fontSize)
+{
+    constexpr double widthOfOne = 0.602;
+    const auto characters =
+        std::count_if(text.begin(), text.end(),
+                      [](char character) { return (static_cast<unsigned char>(character) & 0xC0U) != 0x80U; });
+    return static_cast<double>(characters) * widthOfOne * fontSize;
+}
+
+std::string SvgPage::Escape(std::string_view text)
+{
+    std::string escaped;
+    for (const char character : text)
+    {
+        switch (character)
+        {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        default:
+            // No document can hold the other control characters.
+            escaped += static_cast<unsigned char>(character) < ' ' ? ' ' : character;
+        }
+    }
+    return escaped;
+}
+
+void SvgPage::AddBox(double x, double y, double width, double height, double radius, const Look& look,
+                     std::string_view title)
+{
+    fmt::format_to(std::back_inserter(body),
+                   R"(<rect x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{:.1f}" rx="{:.1f}" {})", x, y, width, height,
+                   radius, FormatLook(look));
+    body += title.empty() ? "/>\n" : fmt::format("><title>{}</title></rect>\n", Escape(title));
+}
+
+void SvgPage::AddText(double x, double y, std::string_view text, double fontSize, std::string_view colour, bool isBold)
+{
+    fmt::format_to(std::back_inserter(body),
+                   R"(<text x="{:.1f}" y="{:.1f}" font-size="{}" fill="{}"{}>{}</text>)"
+                   "\n",
+                   x, y, fontSize, colour, isBold ? R"( font-weight="bold")" : "", Escape(text));
+}
+
+void SvgPage::AddCurve(double fromX, double fromY, double toX, double toY, const Look& look)
+{
+    const double middle = (fromX + toX) / 2;
+    fmt::format_to(std::back_inserter(body),
+                   R"(<path d="M{:.1f} {:.1f} C{:.1f} {:.1f} {:.1f} {:.1f} {:.1f} {:.1f}" {}/>)"
+                   "\n",
+                   fromX, fromY, middle, fromY, middle, toY, toX, toY, FormatLook(look));
+}
+
+void SvgPage::AddLine(double fromX, double fromY, double toX, double toY, const Look& look)
+{
+    fmt::format_to(std::back_inserter(body),
+                   R"(<path d="M{:.1f} {:.1f} L{:.1f} {:.1f}" {}/>)"
+                   "\n",
+                   fromX, fromY, toX, toY, FormatLook(look));
+}
+
+std::string SvgPage::Finish(double width, double height, std::string_view title) const
+{
+    return fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
+<svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" viewBox="0 0 {0:.0f} {1:.0f}" font-family="DejaVu Sans Mono, Liberation Mono, monospace">
+<title>{2}</title>
+<rect width="{0:.0f}" height="{1:.0f}" fill="#ffffff"/>
+{3}</svg>
+)",
+                       width, height, Escape(title), body);
+}
+
+} // namespace Vela::Kiroctl

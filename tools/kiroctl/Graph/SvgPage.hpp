@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Vela::Kiroctl
+{
+
+/// A page of vector graphics, written element by element, back to front. Lengths are pixels; texts have a font of fixed
+/// width, so that the space that they take is known.
+class SvgPage
+{
+public:
+    /// Of one character at the given size.
+    [[nodiscard]] static double GetTextWidth(std::string_view text, double fontSize);
+    /// A text as it stands in an element or attribute.
+    [[nodiscard]] static std::string Escape(std::string_view text);
+
+    struct Look
+    {
+        std::string fill = "none";
+        std::string stroke = "none";
+        double strokeWidth = 1;
+        bool isDashed = false;
+        double opacity = 1;
+    };
+
+    /// @param title  shown when the pointer rests on it; empty: nothing
+    void AddBox(double x, double y, double width, double height, double radius, const Look& look,
+                std::string_view title = {});
+    void AddText(double x, double y, std::string_view text, double fontSize, std::string_view colour,
+                 bool isBold = false);
+    /// A smooth line that leaves its start and reaches its end horizontally.
+    void AddCurve(double fromX, double fromY, double toX, double toY, const Look& look);
+    void AddLine(double fromX, double fromY, double toX, double toY, const Look& look);
+
+    /// The whole document.
+    [[nodiscard]] std::string Finish(double width, double height, std::string_view title) const;
+
+private:
+    std::string body;
+};
+
+} // namespace Vela::Kiroctl
