@@ -4,7 +4,7 @@ packages=(
   g++ binutils cmake ninja-build ccache pkg-config
   libboost-program-options-dev libboost-filesystem-dev libboost-system-dev
   libfmt-dev libsafec-dev libexpat1-dev nettle-dev libcli11-dev nlohmann-json3-dev
-  libgtest-dev libgmock-dev libxml2-utils python3
+  libgtest-dev libgmock-dev libxml2-utils python3 groff-base zsh
 )
 
 as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }

@@ -7,9 +7,11 @@ using Create = std::unique_ptr<Command>();
 
 // Each is defined in Commands/<Name>.cpp.
 Create CreateCheck;
+Create CreateCompletion;
 Create CreateCrashes;
 Create CreateGraph;
 Create CreateInspect;
+Create CreateManual;
 Create CreateNew;
 Create CreatePlan;
 Create CreateVersion;
@@ -27,6 +29,8 @@ std::span<const CommandEntry> GetCommands()
         {"crashes", after, "List what has crashed or failed to start, or show one of the records", &CreateCrashes},
         {"inspect", development, "Show what a component library is made for, needs and contains", &CreateInspect},
         {"new", development, "Write a project for a new component library", &CreateNew},
+        {"completion", tool, "Write a completion script for a shell", &CreateCompletion},
+        {"manual", tool, "Write the manual page", &CreateManual},
         {"version", tool, "Show the versions of the tool and of what it works with", &CreateVersion},
     };
     return commands;

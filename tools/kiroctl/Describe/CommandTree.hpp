@@ -1,0 +1,45 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace Vela::Kiroctl
+{
+
+struct OptionDescription
+{
+    /// "--order", "-h": as they are typed; a positional argument has its name alone.
+    std::vector<std::string> names;
+    bool isPositional = false;
+    /// What stands for its value in texts; empty for a flag.
+    std::string valueName;
+    /// The values that it takes; empty when these are not a short list.
+    std::vector<std::string> choices;
+    std::string defaultValue;
+    std::string meaning;
+};
+
+/// The tool, a command or a subcommand as it is declared.
+struct CommandDescription
+{
+    /// All words: "kiroctl new library".
+    std::string path;
+    std::string name;
+    std::string group;
+    std::string summary;
+    std::vector<OptionDescription> options;
+    std::vector<CommandDescription> commands;
+};
+
+/// @param app  any part of a command line
+CommandDescription DescribeCommand(const CLI::App& app);
+
+/// The same as a flat list, outermost first.
+std::vector<const CommandDescription*> ListCommands(const CommandDescription& command);
+
+/// The top of the command line that a command is part of.
+const CLI::App& GetRoot(const CLI::App& app);
+
+} // namespace Vela::Kiroctl
