@@ -3,6 +3,7 @@
 #include <CheckedLog.hpp>
 #include <DocumentFiles.hpp>
 #include <FuzzTarget.hpp>
+#include <ObservedErrors.hpp>
 
 namespace Vela::Fuzz
 {
@@ -41,6 +42,15 @@ void Check(const KiroConfiguration& configuration)
     }
 }
 
+/// Who watches a load hears of errors exactly when it would be refused.
+void CheckObserved(const String& path, bool isRefused)
+{
+    const ObservedErrors observed;
+    const Outcome outcome(path, false);
+    Require(!outcome.refusal, "a load that is watched goes on to its end");
+    Require(observed.HasErrors() == isRefused, "the errors of a load are those for which it is refused");
+}
+
 bool Run(std::string_view input)
 {
     static const DocumentFiles files{"System.kiro.config", "Plant.kiro.config", "parts/Control.kiro.config"};
@@ -53,6 +63,7 @@ bool Run(std::string_view input)
     const Outcome first(files.GetRootPath(), false);
     const Outcome second(files.GetRootPath(), false);
     Require(first.refusal == second.refusal, "the same documents are refused the same way again");
+    CheckObserved(files.GetRootPath(), first.refusal.has_value());
     if (first.refusal)
     {
         return false;

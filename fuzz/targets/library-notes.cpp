@@ -1,6 +1,7 @@
 #include <Vela/System/Kiro/BinaryContract.hpp>
 
 #include <Contract/Architecture.hpp>
+#include <Contract/DynamicSection.hpp>
 #include <Contract/LibraryNote.hpp>
 #include <FuzzTarget.hpp>
 
@@ -41,6 +42,10 @@ bool Run(std::string_view input)
     {
         Require(refusal && refusal->find(architecture->ToString()) != refusal->npos,
                 "the architecture of a foreign library is named");
+    }
+    if (const auto section = DynamicSection::Read(read))
+    {
+        Require(reads < 300'000, "what a library needs is read in reasonable time");
     }
     if (note)
     {

@@ -4,6 +4,7 @@
 #include <CheckedLog.hpp>
 #include <DocumentFiles.hpp>
 #include <FuzzTarget.hpp>
+#include <ObservedErrors.hpp>
 
 namespace Vela::Fuzz
 {
@@ -62,6 +63,21 @@ Outcome Load(const String& path)
     return outcome;
 }
 
+/// Who watches a load hears of errors exactly when it would be refused.
+void CheckObserved(const String& path, bool isRefused)
+{
+    ClearEnvironment();
+    Environment::Setup();
+    {
+        const ObservedErrors observed;
+        KiroSettings settings;
+        const bool hasThrown = GetRefusal([&] { KiroSettingsLoader::Load(path, settings, false); }).has_value();
+        Require((observed.HasErrors() || hasThrown) == isRefused,
+                "the errors of a load are those for which it is refused");
+    }
+    Environment::Dispose();
+}
+
 bool Run(std::string_view input)
 {
     static const DocumentFiles files{"Default.kiro.settings", "Deprecated.kiro.settings", "more/Plant.kiro.settings"};
@@ -72,6 +88,7 @@ bool Run(std::string_view input)
     }
     const Outcome first = Load(files.GetRootPath());
     Require(first == Load(files.GetRootPath()), "the same documents give the same settings");
+    CheckObserved(files.GetRootPath(), first.refusal.has_value());
     return !first.refusal;
 }
 

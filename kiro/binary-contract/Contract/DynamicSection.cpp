@@ -17,7 +17,6 @@ using Entry = ElfW(Dyn);
 
 /// Far more than any library has.
 constexpr unsigned maxEntries = 4096;
-constexpr std::size_t maxTextSize = 4096;
 
 class Reader
 {
@@ -121,10 +120,10 @@ private:
         return std::nullopt;
     }
 
-    [[nodiscard]] String ReadText(std::uint64_t offset) const
+    [[nodiscard]] String ReadText(std::uint64_t offset)
     {
         String text;
-        while (text.size() < maxTextSize)
+        for (; charactersLeft > 0; --charactersLeft)
         {
             const auto character = ReadAt<char>(read, offset + text.size());
             if (!character || *character == '\0')
@@ -138,6 +137,8 @@ private:
 
     const ReadBytes& read;
     std::vector<Segment> segments;
+    /// Of all texts together.
+    unsigned charactersLeft = 65536;
 };
 
 } // namespace

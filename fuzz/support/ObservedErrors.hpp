@@ -1,0 +1,34 @@
+#pragma once
+
+#include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
+
+#include <algorithm>
+
+namespace Vela::Fuzz
+{
+
+/// Watches a load while it lives, and remembers whether it heard of an error.
+class ObservedErrors final : public System::Commons::Diagnostics::LoadObserver
+{
+public:
+    void OnFinding(System::Commons::Diagnostics::Finding finding) override
+    {
+        using namespace System::Commons::Diagnostics;
+        hasErrors = hasErrors || std::any_of(findingDescriptions.begin(), findingDescriptions.end(),
+                                             [&](const FindingDescription& description) {
+                                                 return description.code == finding.code &&
+                                                        description.severity == FindingSeverity::Error;
+                                             });
+    }
+
+    [[nodiscard]] bool HasErrors() const noexcept
+    {
+        return hasErrors;
+    }
+
+private:
+    bool hasErrors = false;
+    const Scope scope{*this};
+};
+
+} // namespace Vela::Fuzz
