@@ -4,6 +4,7 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+#include <Vela/System/Commons/Diagnostics/ThreadStacks.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Runtime/ProcessUsage.hpp>
 #include <Vela/VelaVersion.hpp>
@@ -107,6 +108,11 @@ LogPage DiagnosticsServiceImpl::GetLogLines(std::uint64_t after, std::uint32_t m
                               .text = std::move(entry.text)});
     }
     return page;
+}
+
+std::uint32_t DiagnosticsServiceImpl::LogThreadStacks()
+{
+    return static_cast<std::uint32_t>(Commons::Diagnostics::ThreadStacks::Log());
 }
 
 } // namespace Vela::System::Kiro::Services::Internal

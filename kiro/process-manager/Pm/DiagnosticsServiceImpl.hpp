@@ -16,6 +16,7 @@ public:
     std::vector<LogCategoryLevel> GetLogLevels() override;
     void SetLogLevel(const String& category, Commons::Diagnostics::LogLevel level) override;
     LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) override;
+    std::uint32_t LogThreadStacks() override;
 
 private:
     /// The service is made when the process comes up.

@@ -33,6 +33,11 @@ LogPage DiagnosticsServiceProxy::GetLogLines(std::uint64_t after, std::uint32_t 
     return Invoke<&Service::GetLogLines>(after, maximumCount);
 }
 
+std::uint32_t DiagnosticsServiceProxy::LogThreadStacks()
+{
+    return Invoke<&Service::LogThreadStacks>();
+}
+
 DiagnosticsServiceProxyFactory& DiagnosticsServiceProxyFactory::GetInstance()
 {
     static DiagnosticsServiceProxyFactory instance;

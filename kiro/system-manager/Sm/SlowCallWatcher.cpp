@@ -1,5 +1,7 @@
 #include <Sm/SlowCallWatcher.hpp>
 
+#include <utility>
+
 namespace Vela::System::Kiro::Internal::Sm
 {
 
@@ -16,7 +18,7 @@ SlowCallWatcher::Watch::Watch(SlowCallWatcher& slowCallWatcher, const char* step
     : watcher(slowCallWatcher)
 {
     const std::lock_guard lock(watcher.mutex);
-    watcher.call = {step, subject, &name, &process, Clock::now(), watcher.limit};
+    watcher.call = {step, subject, &name, &process, Clock::now(), watcher.limit, false};
     if (watcher.isWaitingForCall)
     {
         watcher.isWaitingForCall = false;
@@ -30,8 +32,9 @@ SlowCallWatcher::Watch::~Watch()
     watcher.call.step = nullptr;
 }
 
-SlowCallWatcher::SlowCallWatcher(std::chrono::milliseconds slowCallTime)
+SlowCallWatcher::SlowCallWatcher(std::chrono::milliseconds slowCallTime, ReportHung reportHung)
     : limit(std::min<std::chrono::milliseconds>(slowCallTime, longestLimit))
+    , hungFunction(std::move(reportHung))
 {
     if (limit > std::chrono::milliseconds::zero())
     {
@@ -71,6 +74,14 @@ void SlowCallWatcher::Run()
         {
             Report();
             call.nextReport *= 2;
+            if (!std::exchange(call.isReported, true) && hungFunction)
+            {
+                // May take its time, in which calls begin and end.
+                const String process = *call.process;
+                lock.unlock();
+                hungFunction(process);
+                lock.lock();
+            }
             continue;
         }
         // Calls that end and begin meanwhile wake nobody: a wait no longer than the limit ends before theirs is over.

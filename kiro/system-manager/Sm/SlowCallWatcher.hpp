@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 namespace Vela::System::Kiro::Internal::Sm
@@ -34,8 +35,11 @@ public:
         SlowCallWatcher& watcher;
     };
 
-    /// A limit of 0 watches nothing.
-    explicit SlowCallWatcher(std::chrono::milliseconds slowCallTime);
+    using ReportHung = std::function<void(const String& process)>;
+
+    /// @param slowCallTime  0: nothing is watched
+    /// @param reportHung  is called once for each slow call, behind the first warning, on the watcher's thread
+    explicit SlowCallWatcher(std::chrono::milliseconds slowCallTime, ReportHung reportHung = {});
     SlowCallWatcher(const SlowCallWatcher&) = delete;
     SlowCallWatcher& operator=(const SlowCallWatcher&) = delete;
     ~SlowCallWatcher();
@@ -55,6 +59,7 @@ private:
         const String* process = nullptr;
         Clock::time_point start;
         std::chrono::milliseconds nextReport{0};
+        bool isReported = false;
     };
 
     void Run();
@@ -62,6 +67,7 @@ private:
     [[nodiscard]] String DescribeCall() const;
 
     const std::chrono::milliseconds limit;
+    const ReportHung hungFunction;
     mutable std::mutex mutex;
     std::condition_variable condition;
     Call call;

@@ -1,6 +1,7 @@
 #include <Config/KiroConfiguration.hpp>
 #include <Config/KiroConfigurationLoader.hpp>
 #include <Settings/ProcessSettings.hpp>
+#include <Sm/HungProcess.hpp>
 #include <Sm/Services/Internal/SystemManagerServiceImpl.hpp>
 #include <Sm/Services/SystemManagerServiceImpl.hpp>
 #include <Sm/SystemManager.hpp>
@@ -22,7 +23,7 @@ SystemManager::SystemManager(ISystemManagerHost& systemManagerHost, const Settin
     : host(systemManagerHost)
     , singleProcess(isSingleProcess)
     , processSettings(settings)
-    , slowCalls(settings.GetSlowStepTime())
+    , slowCalls(settings.GetSlowStepTime(), LogThreadStacksOf)
     , processesController(host, processes, settings, slowCalls)
     , componentsController(host, processes, slowCalls)
 {

@@ -32,7 +32,14 @@ std::vector<std::string> AwaitWarnings(const CapturedLog& log, std::size_t count
 TEST(SlowCallWatcher, WarnsOfACallThatDoesNotReturnAndAgainAtDoublingIntervals)
 {
     const CapturedLog log;
-    SlowCallWatcher watcher(100ms);
+    std::mutex mutex;
+    std::vector<std::string> hungProcesses;
+    SlowCallWatcher watcher(100ms,
+                            [&](const std::string& process)
+                            {
+                                const std::lock_guard lock(mutex);
+                                hungProcesses.push_back(process);
+                            });
     const std::string component = "pump";
     const std::string process = "Control";
     {
@@ -52,6 +59,10 @@ TEST(SlowCallWatcher, WarnsOfACallThatDoesNotReturnAndAgainAtDoublingIntervals)
     // A later call is watched from its own start on, although the last one was in a long interval.
     const SlowCallWatcher::Watch other(watcher, "LoadLibrary", "library", component, process);
     EXPECT_THAT(AwaitWarnings(log, 4).back(), testing::HasSubstr("LoadLibrary of library 'pump'"));
+    // The second warning of that call comes when its process has been reported.
+    AwaitWarnings(log, 5);
+    const std::lock_guard lock(mutex);
+    EXPECT_THAT(hungProcesses, testing::ElementsAre("Control", "Control")) << "once for each call";
 }
 
 TEST(SlowCallWatcher, WarnsOfACallBehindOneThatWasOverBeforeTheWatcherWasAwake)

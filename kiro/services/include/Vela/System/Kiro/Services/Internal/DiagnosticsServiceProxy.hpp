@@ -18,6 +18,7 @@ public:
     std::vector<LogCategoryLevel> GetLogLevels() override;
     void SetLogLevel(const String& category, Commons::Diagnostics::LogLevel level) override;
     LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) override;
+    std::uint32_t LogThreadStacks() override;
 };
 
 /// Makes proxies of the diagnostics service. There is one in every process, so the caller names the provider.

@@ -11,8 +11,8 @@
 namespace Vela::System::Kiro::Services::Internal
 {
 
-/// What an operator asks a process about itself; every process publishes it. All operations return at once and may be
-/// called at any time. The order of the operations is fixed.
+/// What an operator asks a process about itself; every process publishes it. The operations may be called at any
+/// time and return at once unless they say otherwise. The order of the operations is fixed.
 class VELA_KIRO_API IDiagnosticsService : public Rsc::IRscService
 {
 public:
@@ -28,6 +28,10 @@ public:
     /// What was logged lately, as far as it is still in memory: the oldest, at most `maximumCount`, of the messages
     /// behind number `after`. The answer to a count of 0 tells the number of the newest message.
     virtual LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) = 0;
+    /// Logs the stack of each thread of the process, with what it does for which component. Takes three seconds at
+    /// most.
+    /// @return the number of threads
+    virtual std::uint32_t LogThreadStacks() = 0;
 };
 
 } // namespace Vela::System::Kiro::Services::Internal
@@ -40,5 +44,5 @@ struct Vela::System::Rsc::OperationTable<Vela::System::Kiro::Services::Internal:
     static constexpr auto operations = Operations(
         Operation<1, &Service::GetIdentity>("GetIdentity"), Operation<2, &Service::GetResources>("GetResources"),
         Operation<3, &Service::GetLogLevels>("GetLogLevels"), Operation<4, &Service::SetLogLevel>("SetLogLevel"),
-        Operation<5, &Service::GetLogLines>("GetLogLines"));
+        Operation<5, &Service::GetLogLines>("GetLogLines"), Operation<6, &Service::LogThreadStacks>("LogThreadStacks"));
 };
