@@ -2,7 +2,9 @@
 #include <Vela/System/Kiro/BinaryContract.hpp>
 
 #include <Contract/Architecture.hpp>
+#include <Contract/DynamicSection.hpp>
 #include <Contract/LibraryNote.hpp>
+#include <Contract/Release.hpp>
 #include <link.h>
 
 #include <algorithm>
@@ -168,9 +170,14 @@ void LibraryNote::CheckContract(const String& path) const
 
 void CheckLibraryFile(const String& path)
 {
-    if (const auto note = LibraryNote::Read(path, ReadFrom(path)))
+    const ReadBytes read = ReadFrom(path);
+    if (const auto note = LibraryNote::Read(path, read))
     {
         note->CheckContract(path);
+    }
+    if (const auto section = DynamicSection::Read(read))
+    {
+        CheckRelease(path, *section);
     }
 }
 

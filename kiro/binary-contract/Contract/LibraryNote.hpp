@@ -28,7 +28,7 @@ struct LibraryNote
 };
 
 /// Refuses a library whose file shows already that it cannot work in this process. One without a note passes.
-/// @throws InvalidOperationException as the two operations above
+/// @throws InvalidOperationException as the two operations above and CheckRelease do
 void CheckLibraryFile(const String& path);
 
 } // namespace Vela::System::Kiro::Internal::Contract

@@ -74,10 +74,7 @@ bool SystemCheck::CheckLibraryFile(const Library& library, const String& path)
     const bool isForeign = architecture && *architecture != Contract::Architecture::GetOwn();
     try
     {
-        if (const auto note = Contract::LibraryNote::Read(path, read))
-        {
-            note->CheckContract(path);
-        }
+        Contract::CheckLibraryFile(path);
     }
     catch (const Exception& exception)
     {
