@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <ctime>
 #include <map>
 
 using namespace Vela;
@@ -65,7 +66,7 @@ TEST(Crash, SaysWhatHappenedWhereAndDiesOfIt)
         EXPECT_NE(record["stack"].find("test-commons-helper+0x"), String::npos) << crash.name << record["stack"];
         EXPECT_NE(record["log"].find("Helper: is about to crash"), String::npos) << record["log"];
         EXPECT_TRUE(process.HasOutput("component: " + std::string(crash.name))) << process.GetOutput();
-        EXPECT_EQ(records.FindOf(process.GetId()), records.List().front());
+        EXPECT_EQ(records.FindOf(process.GetId(), 0), records.List().front());
     }
 }
 
@@ -100,8 +101,10 @@ TEST(CrashRecords, KeepTheYoungestAndReadBackWhatWasWritten)
     EXPECT_EQ(records.List().front(), "20240113T000000Z-1.txt") << "the oldest are gone";
     EXPECT_EQ(records.List().back(), name);
     EXPECT_EQ(directory.Read("crashes/notes"), "not a record");
-    EXPECT_EQ(records.FindOf(::getpid()), name);
-    EXPECT_EQ(records.FindOf(2), "");
+    const std::time_t now = std::time(nullptr);
+    EXPECT_EQ(records.FindOf(::getpid(), now - 3600), name);
+    EXPECT_EQ(records.FindOf(::getpid(), now + 3600), "") << "of an earlier process of that number";
+    EXPECT_EQ(records.FindOf(2, 0), "");
 
     const auto fields = records.Read(name);
     ASSERT_EQ(fields.size(), 4U);

@@ -25,11 +25,11 @@ String Describe(const std::vector<Sm::ProcessState>& processes)
 }
 
 /// What one of the processes has recorded itself; empty when none has.
-String FindRecord(const CrashRecords& records, const std::vector<Sm::ProcessState>& processes)
+String FindRecord(const CrashRecords& records, const std::vector<Sm::ProcessState>& processes, std::time_t since)
 {
     for (const Sm::ProcessState& process : processes)
     {
-        String name = process.hasExited ? records.FindOf(process.id) : String();
+        String name = process.hasExited ? records.FindOf(process.id, since) : String();
         if (!name.empty())
         {
             return name;
@@ -53,7 +53,7 @@ void FailureRecord::Write(const String& processName, const String& reason, const
     {
         const std::lock_guard lock(mutex);
         const CrashRecords records(Rsc::RscManager::FindRuntimeDirectory(true));
-        name = name.empty() ? FindRecord(records, processes) : name;
+        name = name.empty() ? FindRecord(records, processes, startTime) : name;
         const bool isFirst = name.empty();
         CrashRecords::Fields fields{{isFirst ? "reason" : "failure", reason}};
         if (isFirst)

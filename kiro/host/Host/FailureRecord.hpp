@@ -4,6 +4,7 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 
+#include <ctime>
 #include <mutex>
 #include <vector>
 
@@ -22,6 +23,8 @@ public:
                const std::vector<Sm::ProcessState>& processes) noexcept;
 
 private:
+    /// Records from before this process are not of its children.
+    const std::time_t startTime = std::time(nullptr);
     std::mutex mutex;
     String phase;
     /// The record that this process began or added to.

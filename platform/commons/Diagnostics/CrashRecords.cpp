@@ -96,14 +96,20 @@ std::vector<String> CrashRecords::List() const
     return names;
 }
 
-String CrashRecords::FindOf(pid_t process) const
+String CrashRecords::FindOf(pid_t process, std::int64_t since) const
 {
     const String end = fmt::format("-{}{}", process, fileNameEnd);
-    const auto names = List();
-    // An earlier process may have had the same number.
-    const auto found =
-        std::find_if(names.rbegin(), names.rend(), [&](const String& name) { return name.ends_with(end); });
-    return found == names.rend() ? String() : *found;
+    for (const String& name : List())
+    {
+        struct stat status
+        {
+        };
+        if (name.ends_with(end) && ::stat(GetPath(name).c_str(), &status) == 0 && status.st_mtime >= since)
+        {
+            return name;
+        }
+    }
+    return {};
 }
 
 CrashRecords::Fields CrashRecords::Read(const String& name) const

@@ -90,7 +90,7 @@ void PlainWriter::EndLine() noexcept
         for (std::size_t written = 0; written < length;)
         {
             const auto count = ::write(targets[index], line.data() + written, length - written);
-            if (count <= 0 && errno != EINTR)
+            if (count == 0 || (count < 0 && errno != EINTR))
             {
                 break;
             }

@@ -134,7 +134,7 @@ private:
             filled -= position;
             position = 0;
             const auto count = ::read(file, buffer.data() + filled, buffer.size() - filled);
-            if (count <= 0 && errno != EINTR)
+            if (count == 0 || (count < 0 && errno != EINTR))
             {
                 return false;
             }

@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -31,7 +32,8 @@ public:
     /// The names of the records, oldest first; none when there is no directory.
     [[nodiscard]] std::vector<String> List() const;
     /// The name of the record that a process began; empty without one.
-    [[nodiscard]] String FindOf(pid_t process) const;
+    /// @param since  seconds since 1970; what is older belongs to an earlier process of that number
+    [[nodiscard]] String FindOf(pid_t process, std::int64_t since) const;
     /// The fields of a record in their order.
     /// @throws NotExistException when there is no record of that name
     [[nodiscard]] Fields Read(const String& name) const;
