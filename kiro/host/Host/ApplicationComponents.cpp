@@ -83,7 +83,8 @@ void ApplicationBase::SetupRemoting(bool isMainProcess)
     const std::int32_t defaultPort = isMainProcess ? -1 : 0;
     const std::int32_t port = data->localTcpPort != 0 ? data->localTcpPort : defaultPort;
     Rsc::RscManager::CreateInstance(GetName(), port, data->settings.GetRscSettings().GetPath(), isMainProcess);
-    const String runtimeDirectory = Rsc::RscManager::FindRuntimeDirectory(true);
+    // Remoting has chosen and checked it.
+    const String runtimeDirectory = Environment::GetVariableValueOr(Environment::runtimeDirectoryName, "");
     Commons::Diagnostics::CrashHandler::SetRuntimeDirectory(runtimeDirectory);
     if (isMainProcess)
     {
