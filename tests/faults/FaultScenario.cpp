@@ -427,8 +427,15 @@ void FaultScenario::CheckNextStart()
 void FaultScenario::CheckRecord(const std::string& when)
 {
     const std::filesystem::path records = std::filesystem::path(system.GetRuntimeDirectory()) / "crashes";
-    const auto count =
-        std::filesystem::exists(records) ? std::distance(std::filesystem::directory_iterator(records), {}) : 0;
+    int count = 0;
+    std::error_code isMissing;
+    for (const auto& entry : std::filesystem::directory_iterator(records, isMissing))
+    {
+        const std::string name = entry.path().filename().string();
+        // A failed start leaves its times besides, which are no record.
+        count += name.ends_with(".txt") ? 1 : 0;
+        Require(name.ends_with(".txt") || name == "timeline.json", "a stray record " + when + ": " + name);
+    }
     Require(count == (expected.leavesRecord ? 1 : 0), "crash records " + when + ": " + std::to_string(count));
 }
 

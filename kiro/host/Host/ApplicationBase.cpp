@@ -3,6 +3,7 @@
 #include <Host/ParentProcess.hpp>
 #include <Sm/KiroSecurityNotifications.hpp>
 #include <Sm/SystemManager.hpp>
+#include <Sm/TimelineDocument.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
@@ -111,6 +112,10 @@ void ApplicationBase::RecordFailure(const String& error) const
     data->failureRecord.Write(GetName(), data->isSetUp ? "failed" : "failed set-up", error,
                               systemManager == nullptr ? std::vector<Sm::ProcessState>()
                                                        : systemManager->DescribeProcesses());
+    if (systemManager != nullptr && !data->isSetUp)
+    {
+        FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(systemManager->GetDiagnostics().GetTimeline()));
+    }
 }
 
 void ApplicationBase::RestartSystem()

@@ -1,10 +1,17 @@
 #include <Host/FailureRecord.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
+#include <Vela/System/Commons/SystemError.hpp>
+#include <Vela/System/Commons/UniqueFd.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <string_view>
 
 namespace Vela::System::Kiro::Internal
 {
@@ -77,6 +84,31 @@ void FailureRecord::Write(const String& processName, const String& reason, const
     catch (...)
     {
         log.Warning("No record of the failure could be left: {0}", CaughtException::Current().GetText());
+    }
+}
+
+void FailureRecord::WriteTimeline(const String& document) noexcept
+{
+    try
+    {
+        const String path = Commons::Io::Path::Combine(
+            Commons::Io::Path::Combine(Rsc::RscManager::FindRuntimeDirectory(true), CrashRecords::directoryName),
+            CrashRecords::timelineFileName);
+        const Commons::UniqueFd file(
+            ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+        for (std::string_view rest = document; !rest.empty();)
+        {
+            const auto count = file.IsValid() ? ::write(file.Get(), rest.data(), rest.size()) : -1;
+            if (count <= 0)
+            {
+                Commons::ThrowSystemError(fmt::format("Cannot write '{0}'", path));
+            }
+            rest.remove_prefix(static_cast<std::size_t>(count));
+        }
+    }
+    catch (...)
+    {
+        log.Warning("The times of the start could not be left: {0}", CaughtException::Current().GetText());
     }
 }
 

@@ -22,6 +22,10 @@ public:
     void Write(const String& processName, const String& reason, const String& error,
                const std::vector<Sm::ProcessState>& processes) noexcept;
 
+    /// Leaves the times of a start that has failed beside the records, in place of those of an earlier one. Never
+    /// throws.
+    static void WriteTimeline(const String& document) noexcept;
+
 private:
     /// Records from before this process are not of its children.
     const std::time_t startTime = std::time(nullptr);

@@ -1,11 +1,13 @@
 #include <Pm/DiagnosticsServiceImpl.hpp>
 #include <Vela/AppDomain.hpp>
+#include <Vela/AppDomainSingleton.hpp>
 #include <Vela/EnumDictionary.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Diagnostics/ThreadStacks.hpp>
 #include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/EnvironmentData.hpp>
 #include <Vela/System/Commons/Runtime/ProcessUsage.hpp>
 #include <Vela/VelaVersion.hpp>
 
@@ -113,6 +115,19 @@ LogPage DiagnosticsServiceImpl::GetLogLines(std::uint64_t after, std::uint32_t m
 std::uint32_t DiagnosticsServiceImpl::LogThreadStacks()
 {
     return static_cast<std::uint32_t>(Commons::Diagnostics::ThreadStacks::Log());
+}
+
+std::vector<EnvironmentValue> DiagnosticsServiceImpl::GetEnvironment()
+{
+    std::vector<EnvironmentValue> values;
+    if (const auto* data = AppDomainSingleton<Commons::EnvironmentData>::TryGetInstance())
+    {
+        for (auto& variable : data->GetVariables())
+        {
+            values.push_back({std::move(variable.name), std::move(variable.value), variable.isOverridden});
+        }
+    }
+    return values;
 }
 
 } // namespace Vela::System::Kiro::Services::Internal

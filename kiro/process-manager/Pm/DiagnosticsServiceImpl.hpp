@@ -17,6 +17,7 @@ public:
     void SetLogLevel(const String& category, Commons::Diagnostics::LogLevel level) override;
     LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) override;
     std::uint32_t LogThreadStacks() override;
+    std::vector<EnvironmentValue> GetEnvironment() override;
 
 private:
     /// The service is made when the process comes up.

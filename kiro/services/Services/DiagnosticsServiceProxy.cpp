@@ -38,6 +38,11 @@ std::uint32_t DiagnosticsServiceProxy::LogThreadStacks()
     return Invoke<&Service::LogThreadStacks>();
 }
 
+std::vector<EnvironmentValue> DiagnosticsServiceProxy::GetEnvironment()
+{
+    return Invoke<&Service::GetEnvironment>();
+}
+
 DiagnosticsServiceProxyFactory& DiagnosticsServiceProxyFactory::GetInstance()
 {
     static DiagnosticsServiceProxyFactory instance;

@@ -74,6 +74,7 @@ void ComponentsController::FillTables(const Config::KiroConfiguration& configura
         component->type = configured.type;
         component->library = configured.library;
         component->settingsPath = configured.settings.path;
+        component->position = configured.position;
         component->isRequired = configured.isRequired;
         component->isEnabled = configured.isEnabled;
         component->hasStartOrder = configured.hasStartOrder;
@@ -125,12 +126,13 @@ void ComponentsController::CreateComponent(const std::shared_ptr<ComponentData>&
 {
     log.Debug("Creating component '{0}' in process '{1}'.", component->name, process->name);
     const auto service = process->processManagerService;
-    const auto properties = [&]
-    {
-        const SlowCallWatcher::Watch watch(slowCalls, "CreateComponent", "component", component->name, process->name);
-        return service->CreateComponent(RemoteName(component->type), RemoteName(component->name),
-                                        RemoteName(component->library));
-    }();
+    const auto properties =
+        slowCalls.Watched("CreateComponent", "component", component->name, process->name,
+                          [&]
+                          {
+                              return service->CreateComponent(RemoteName(component->type), RemoteName(component->name),
+                                                              RemoteName(component->library));
+                          });
     log.Info("Component '{0}' in process '{1}' created.", component->name, process->name);
 
     component->isControllerComponent = properties.IsControllerComponent;
@@ -309,9 +311,8 @@ void ComponentsController::CallStep(const LifecycleStep& step, const Entry& entr
     }
     for (const RemoteStep& call : step.calls)
     {
-        const SlowCallWatcher::Watch watch(slowCalls, call.name, "component", entry.component->name,
-                                           entry.process->name);
-        call.call(*service, *entry.component);
+        slowCalls.Watched(call.name, "component", entry.component->name, entry.process->name,
+                          [&] { call.call(*service, *entry.component); });
     }
 }
 

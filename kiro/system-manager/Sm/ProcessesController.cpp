@@ -74,6 +74,10 @@ void ProcessesController::StartProcesses()
                 log.Error("Could not start process '{0}'.", name);
             }
         }
+        for (const auto& [name, entry] : starting)
+        {
+            slowCalls.GetJournal()->End(entry, StepJournal::Outcome::Failed);
+        }
         throw InvalidOperationException("Could not start all processes");
     }
     lastLook = Clock::now();
@@ -86,6 +90,11 @@ void ProcessesController::StartChild(ProcessData& process)
     options.holdsSignals = true;
     options.environment = host.GetChildEnvironment();
     options.environment[parentProcessIdVariable] = std::to_string(getpid());
+    auto* journal = slowCalls.GetJournal();
+    if (journal != nullptr)
+    {
+        starting[process.name] = journal->Begin("StartProcess", "process", process.name, process.name);
+    }
     try
     {
         if (process.binaryPath.empty())
@@ -152,6 +161,11 @@ bool ProcessesController::Connect(ProcessData& process, std::chrono::millisecond
     }
     process.processManagerService = service;
     services[process.name] = std::move(service);
+    if (const auto started = starting.find(process.name); started != starting.end())
+    {
+        slowCalls.GetJournal()->End(started->second, StepJournal::Outcome::Done);
+        starting.erase(started);
+    }
     log.Info("Process '{0}' started successfully.", process.name);
     return true;
 }
@@ -182,8 +196,11 @@ void ProcessesController::LoadLibraries()
         {
             try
             {
-                const SlowCallWatcher::Watch watch(slowCalls, "LoadLibrary", "library", name, processName);
-                if (!service->LoadLibrary(Rsc::RscString<512>(name), Rsc::RscString<512>(library->path)))
+                const bool isLoaded = slowCalls.Watched(
+                    "LoadLibrary", "library", name, processName,
+                    [&]
+                    { return service->LoadLibrary(Rsc::RscString<512>(name), Rsc::RscString<512>(library->path)); });
+                if (!isLoaded)
                 {
                     throw Exception("Library '{0}' couldn't loaded in process {1}.", name, processName);
                 }
@@ -212,8 +229,8 @@ void ProcessesController::UnloadLibraries()
         {
             try
             {
-                const SlowCallWatcher::Watch watch(slowCalls, "UnloadLibrary", "library", name, processName);
-                service->UnloadLibrary(Rsc::RscString<512>(name));
+                slowCalls.Watched("UnloadLibrary", "library", name, processName,
+                                  [&] { service->UnloadLibrary(Rsc::RscString<512>(name)); });
                 log.Info("Library '{0}' in process '{1}' unloaded.", name, processName);
             }
             catch (...)

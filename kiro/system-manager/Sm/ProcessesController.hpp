@@ -14,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <vector>
@@ -104,6 +105,8 @@ private:
     ISystemManagerHost& host;
     Data::ProcessTable& processes;
     const Settings::ProcessSettings& processSettings;
+    /// Steps of the journal for children that do not answer yet.
+    std::map<String, StepJournal::Entry*> starting;
     SlowCallWatcher& slowCalls;
     const ProcessConnector connector;
     const std::function<void()> abortProcess;

@@ -1,4 +1,5 @@
 #include <Sm/SlowCallWatcher.hpp>
+#include <Vela/CaughtException.hpp>
 
 #include <utility>
 
@@ -24,17 +25,37 @@ SlowCallWatcher::Watch::Watch(SlowCallWatcher& slowCallWatcher, const char* step
         watcher.isWaitingForCall = false;
         watcher.condition.notify_one();
     }
+    if (watcher.journal != nullptr)
+    {
+        entry = watcher.journal->Begin(step, subject, name, process);
+    }
 }
 
 SlowCallWatcher::Watch::~Watch()
 {
+    if (watcher.journal != nullptr)
+    {
+        watcher.journal->End(entry, outcome);
+    }
     const std::lock_guard lock(watcher.mutex);
     watcher.call.step = nullptr;
 }
 
-SlowCallWatcher::SlowCallWatcher(std::chrono::milliseconds slowCallTime, ReportHung reportHung)
+void SlowCallWatcher::Watch::Fail() noexcept
+{
+    outcome = StepJournal::Outcome::Failed;
+    if (watcher.journal != nullptr)
+    {
+        const auto& call = watcher.call;
+        watcher.journal->NoteFailure(call.step, *call.name, *call.process, CaughtException::Current().GetText());
+    }
+}
+
+SlowCallWatcher::SlowCallWatcher(std::chrono::milliseconds slowCallTime, ReportHung reportHung,
+                                 StepJournal* stepJournal)
     : limit(std::min<std::chrono::milliseconds>(slowCallTime, longestLimit))
     , hungFunction(std::move(reportHung))
+    , journal(stepJournal)
 {
     if (limit > std::chrono::milliseconds::zero())
     {

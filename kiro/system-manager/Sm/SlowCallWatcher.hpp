@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Sm/StepJournal.hpp>
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 #include <Vela/System/Commons/Threading/Thread.hpp>
@@ -8,6 +9,7 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <utility>
 
 namespace Vela::System::Kiro::Internal::Sm
 {
@@ -31,18 +33,46 @@ public:
         Watch& operator=(const Watch&) = delete;
         ~Watch();
 
+        /// Notes the exception being handled as the end of the call.
+        void Fail() noexcept;
+
     private:
         SlowCallWatcher& watcher;
+        StepJournal::Entry* entry = nullptr;
+        StepJournal::Outcome outcome = StepJournal::Outcome::Done;
     };
 
     using ReportHung = std::function<void(const String& process)>;
 
     /// @param slowCallTime  0: nothing is watched
     /// @param reportHung  is called once for each slow call, behind the first warning, on the watcher's thread
-    explicit SlowCallWatcher(std::chrono::milliseconds slowCallTime, ReportHung reportHung = {});
+    /// @param stepJournal  takes the times of all calls; may be null
+    explicit SlowCallWatcher(std::chrono::milliseconds slowCallTime, ReportHung reportHung = {},
+                             StepJournal* stepJournal = nullptr);
     SlowCallWatcher(const SlowCallWatcher&) = delete;
     SlowCallWatcher& operator=(const SlowCallWatcher&) = delete;
     ~SlowCallWatcher();
+
+    /// Calls `action` while it is watched and timed; an exception is noted and goes on.
+    template <typename Action>
+    auto Watched(const char* step, const char* subject, const String& name, const String& process, Action&& action)
+    {
+        Watch watch(*this, step, subject, name, process);
+        try
+        {
+            return std::forward<Action>(action)();
+        }
+        catch (...)
+        {
+            watch.Fail();
+            throw;
+        }
+    }
+
+    [[nodiscard]] StepJournal* GetJournal() const noexcept
+    {
+        return journal;
+    }
 
     /// Which call has not returned for longer than `patience`, in words; empty when there is none. From any thread,
     /// also when nothing is watched.
@@ -68,6 +98,7 @@ private:
 
     const std::chrono::milliseconds limit;
     const ReportHung hungFunction;
+    StepJournal* const journal;
     mutable std::mutex mutex;
     std::condition_variable condition;
     Call call;

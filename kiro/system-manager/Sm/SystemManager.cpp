@@ -2,6 +2,7 @@
 #include <Config/KiroConfigurationLoader.hpp>
 #include <Settings/ProcessSettings.hpp>
 #include <Sm/HungProcess.hpp>
+#include <Sm/Services/Internal/SystemDiagnosticsServiceImpl.hpp>
 #include <Sm/Services/Internal/SystemManagerServiceImpl.hpp>
 #include <Sm/Services/SystemManagerServiceImpl.hpp>
 #include <Sm/SystemManager.hpp>
@@ -23,7 +24,8 @@ SystemManager::SystemManager(ISystemManagerHost& systemManagerHost, const Settin
     : host(systemManagerHost)
     , singleProcess(isSingleProcess)
     , processSettings(settings)
-    , slowCalls(settings.GetSlowStepTime(), LogThreadStacksOf)
+    , diagnostics(host.GetName(), host.GetConfigPath())
+    , slowCalls(settings.GetSlowStepTime(), LogThreadStacksOf, &diagnostics.GetJournal())
     , processesController(host, processes, settings, slowCalls)
     , componentsController(host, processes, slowCalls)
 {
@@ -47,6 +49,7 @@ void SystemManager::PublishServices()
     areServicesPublished = true;
     publish(Services::SystemManagerServiceFactory::GetInstance());
     publish(Services::Internal::SystemManagerServiceFactory::GetInstance());
+    publish(Services::Internal::SystemDiagnosticsServiceFactory::GetInstance());
 }
 
 void SystemManager::UnpublishServices()
@@ -62,7 +65,8 @@ void SystemManager::UnpublishServices()
     };
     const bool isPublicDrained = unpublish(Services::SystemManagerServiceFactory::GetInstance());
     const bool isInternalDrained = unpublish(Services::Internal::SystemManagerServiceFactory::GetInstance());
-    if (!isPublicDrained || !isInternalDrained)
+    const bool isDiagnosticsDrained = unpublish(Services::Internal::SystemDiagnosticsServiceFactory::GetInstance());
+    if (!isPublicDrained || !isInternalDrained || !isDiagnosticsDrained)
     {
         log.Warning("A call of a system manager service is still in progress.");
     }
@@ -80,32 +84,59 @@ void SystemManager::LoadConfig()
 
 void SystemManager::SetupSystemSettings()
 {
-    host.ReportStatus("Loading the configuration");
+    EnterPhase("load-config", "Loading the configuration");
     LoadConfig();
-    host.ReportStatus("Starting the processes");
+    diagnostics.PublishProcesses(processes);
+    diagnostics.PublishComponents(processes, {});
+    EnterPhase("start-processes", "Starting the processes");
     processesController.StartProcesses();
     PublishSnapshot();
-    host.ReportStatus("Loading the libraries");
+    diagnostics.PublishProcesses(processes);
+    EnterPhase("load-libraries", "Loading the libraries");
     processesController.LoadLibraries();
-    host.ReportStatus("Creating the components");
+    EnterPhase("create", "Creating the components");
     componentsController.CreateComponents();
     PublishSnapshot();
-    host.ReportStatus("Setting up the components");
+    diagnostics.PublishComponents(processes, componentsController.GetExecutionList());
+    EnterPhase("settings", "Setting up the components");
     componentsController.SetupComponentsSettings();
     PublishSnapshot();
+}
+
+void SystemManager::EnterPhase(const char* phase, const char* statusText)
+{
+    diagnostics.GetJournal().BeginPhase(phase);
+    host.ReportStatus(statusText);
 }
 
 void SystemManager::SetupSystem()
 {
     const std::lock_guard walk(gate);
+    try
+    {
+        BringUp();
+        diagnostics.GetJournal().BeginPhase(nullptr);
+    }
+    catch (...)
+    {
+        diagnostics.NoteFailure(CaughtException::Current().GetText());
+        diagnostics.GetJournal().BeginPhase(nullptr);
+        diagnostics.SetState("failed", true);
+        throw;
+    }
+}
+
+void SystemManager::BringUp()
+{
     notifications.SendStartupNotification();
     notifications.SendStateNotification(SystemManagerState::Starting, false, stateFlag);
     CreateProjectSymlink();
     SetupSystemSettings();
     notifications.SendStateNotification(SystemManagerState::SettingsReady, false, stateFlag);
+    diagnostics.SetState("settings-ready");
 
     bool hasError = false;
-    host.ReportStatus("Configuring the components");
+    EnterPhase("config", "Configuring the components");
     if (!componentsController.SetupComponentsConfig())
     {
         hasError = true;
@@ -113,15 +144,17 @@ void SystemManager::SetupSystem()
     }
     PublishSnapshot();
     notifications.SendStateNotification(SystemManagerState::ConfigReady, hasError, stateFlag);
+    diagnostics.SetState("config-ready", hasError);
     Nm::NotificationManagerSetup::StartDispatching();
 
-    host.ReportStatus("Starting the components");
+    EnterPhase("start", "Starting the components");
     if (!componentsController.StartComponents())
     {
         hasError = true;
         notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
     }
     PublishSnapshot();
+    diagnostics.SetState("running", hasError);
     notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
     stateFlag = false;
     ReportRunning(hasError);
@@ -159,13 +192,17 @@ bool SystemManager::Dispose()
                                  "Unspecified exception occurs while shutting down the system"));
         }
     };
-    host.ReportStatus("Stopping the components");
+    auto& journal = diagnostics.GetJournal();
+    diagnostics.SetState("stopping");
+    EnterPhase("stop", "Stopping the components");
     guard([this] { componentsController.StopComponents(); });
-    host.ReportStatus("Taking down the components");
+    EnterPhase("reset-config", "Taking down the components");
     guard([this] { componentsController.ResetComponentsConfig(); });
+    journal.BeginPhase("dispose");
     guard([this] { componentsController.DisposeComponents(); });
+    journal.BeginPhase("destroy");
     guard([this] { componentsController.DestroyComponents(); });
-    host.ReportStatus("Stopping the processes");
+    EnterPhase("stop-processes", "Stopping the processes");
     guard([this] { processesController.StopProcesses(); });
     guard([this] { PublishSnapshot(); });
     guard([this] { UnpublishServices(); });
@@ -182,7 +219,9 @@ void SystemManager::PowerDown()
         throw InvalidOperationException(
             "Power down is refused: the system is being set up, shut down or powered down at the moment.");
     }
+    diagnostics.GetJournal().BeginPhase("power-down");
     componentsController.PowerDownComponents();
+    diagnostics.GetJournal().BeginPhase(nullptr);
 }
 
 void SystemManager::RequestShutdown()

@@ -7,6 +7,7 @@
 #include <Sm/LifecycleGate.hpp>
 #include <Sm/ProcessesController.hpp>
 #include <Sm/SlowCallWatcher.hpp>
+#include <Sm/SystemDiagnostics.hpp>
 #include <Sm/SystemManagerNotifications.hpp>
 #include <Sm/SystemSnapshot.hpp>
 #include <Vela/String.hpp>
@@ -67,6 +68,11 @@ public:
     /// All children. Main thread.
     [[nodiscard]] std::vector<ProcessState> DescribeProcesses() const;
 
+    [[nodiscard]] const SystemDiagnostics& GetDiagnostics() const noexcept
+    {
+        return diagnostics;
+    }
+
     [[nodiscard]] const Settings::ProcessSettings& GetSettings() const noexcept;
     /// Sets a variable in every connected process.
     /// @throws ArgumentException for a name of 128 or a value of 512 bytes or more; the failure of the first process
@@ -85,6 +91,8 @@ public:
     [[nodiscard]] std::vector<Services::ComponentInfo> GetComponentInfos() const;
 
 private:
+    void BringUp();
+    void EnterPhase(const char* phase, const char* statusText);
     void PublishSnapshot();
     void ReportRunning(bool hasError);
     void UnpublishServices();
@@ -95,6 +103,7 @@ private:
     const Settings::ProcessSettings& processSettings;
     PublishedSnapshot snapshot;
     LifecycleGate gate;
+    SystemDiagnostics diagnostics;
     SlowCallWatcher slowCalls;
     ProcessesController processesController;
     ComponentsController componentsController;

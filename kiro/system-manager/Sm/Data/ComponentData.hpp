@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Vela/String.hpp>
+#include <Vela/System/Commons/Xml/XmlPosition.hpp>
 
 #include <cstdint>
 #include <limits>
@@ -19,6 +20,8 @@ public:
     /// Empty for a type that is built into the executable.
     String library;
     String settingsPath;
+    /// Where it is configured.
+    Commons::Xml::XmlPosition position;
     /// Also true for a component that reports itself a system component.
     bool isRequired = true;
     /// A disabled component is created and takes part in no later phase.

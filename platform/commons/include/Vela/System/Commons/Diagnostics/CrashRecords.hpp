@@ -23,6 +23,8 @@ class VELA_COMMONS_API CrashRecords
 public:
     static constexpr const char* directoryName = "crashes";
     static constexpr const char* fileNameEnd = ".txt";
+    /// When each step of the last failed start began and ended; one file, no record.
+    static constexpr const char* timelineFileName = "timeline.json";
     static constexpr std::size_t mostRecords = 10;
 
     using Fields = std::vector<std::pair<String, String>>;

@@ -19,6 +19,7 @@ public:
     void SetLogLevel(const String& category, Commons::Diagnostics::LogLevel level) override;
     LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) override;
     std::uint32_t LogThreadStacks() override;
+    std::vector<EnvironmentValue> GetEnvironment() override;
 };
 
 /// Makes proxies of the diagnostics service. There is one in every process, so the caller names the provider.

@@ -32,6 +32,8 @@ public:
     /// most.
     /// @return the number of threads
     virtual std::uint32_t LogThreadStacks() = 0;
+    /// The variables that the system has defined in this process, by name.
+    virtual std::vector<EnvironmentValue> GetEnvironment() = 0;
 };
 
 } // namespace Vela::System::Kiro::Services::Internal
@@ -44,5 +46,6 @@ struct Vela::System::Rsc::OperationTable<Vela::System::Kiro::Services::Internal:
     static constexpr auto operations = Operations(
         Operation<1, &Service::GetIdentity>("GetIdentity"), Operation<2, &Service::GetResources>("GetResources"),
         Operation<3, &Service::GetLogLevels>("GetLogLevels"), Operation<4, &Service::SetLogLevel>("SetLogLevel"),
-        Operation<5, &Service::GetLogLines>("GetLogLines"), Operation<6, &Service::LogThreadStacks>("LogThreadStacks"));
+        Operation<5, &Service::GetLogLines>("GetLogLines"), Operation<6, &Service::LogThreadStacks>("LogThreadStacks"),
+        Operation<7, &Service::GetEnvironment>("GetEnvironment"));
 };

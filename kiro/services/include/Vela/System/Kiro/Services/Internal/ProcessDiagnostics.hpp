@@ -61,6 +61,15 @@ struct LogPage
     std::uint64_t lastNumber = 0;
 };
 
+/// An environment variable that settings or somebody at run time have defined.
+struct EnvironmentValue
+{
+    String name;
+    String value;
+    /// It beats every default.
+    bool isOverridden = false;
+};
+
 } // namespace Vela::System::Kiro::Services::Internal
 
 namespace Vela::System::Rsc
@@ -95,6 +104,13 @@ struct StructFields<Kiro::Services::Internal::LogLine>
 {
     using Line = Kiro::Services::Internal::LogLine;
     static constexpr auto fields = std::tuple(&Line::number, &Line::time, &Line::level, &Line::category, &Line::text);
+};
+
+template <>
+struct StructFields<Kiro::Services::Internal::EnvironmentValue>
+{
+    using Value = Kiro::Services::Internal::EnvironmentValue;
+    static constexpr auto fields = std::tuple(&Value::name, &Value::value, &Value::isOverridden);
 };
 
 template <>

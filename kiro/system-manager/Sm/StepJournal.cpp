@@ -1,0 +1,141 @@
+#include <Sm/StepJournal.hpp>
+
+namespace Vela::System::Kiro::Internal::Sm
+{
+
+class StepJournal::Entry
+{
+public:
+    Step step;
+    std::atomic<Outcome> outcome{Outcome::Running};
+    /// Written before the outcome says so.
+    std::atomic<std::int64_t> end{0};
+};
+
+StepJournal::StepJournal() = default;
+StepJournal::~StepJournal() = default;
+
+const String* StepJournal::Intern(const String& text, const String*& last)
+{
+    if (last == nullptr || *last != text)
+    {
+        last = &*names.insert(text).first;
+    }
+    return last;
+}
+
+void StepJournal::BeginPhase(const char* newPhase) noexcept
+{
+    End(phaseEntry, Outcome::Done);
+    phaseEntry = nullptr;
+    phase = newPhase;
+    if (newPhase != nullptr)
+    {
+        static const String none;
+        phaseEntry = Begin(newPhase, "phase", none, none);
+    }
+}
+
+StepJournal::Entry* StepJournal::Begin(const char* step, const char* subject, const String& name,
+                                       const String& process) noexcept
+{
+    try
+    {
+        const std::size_t index = count.load(std::memory_order_relaxed);
+        if (index < chunkSize * maximumChunks)
+        {
+            auto& chunk = chunks[index / chunkSize];
+            if (!chunk)
+            {
+                chunk = std::make_unique<Chunk>();
+            }
+            Entry& entry = (*chunk)[index % chunkSize];
+            entry.step = {phase.load(std::memory_order_relaxed), step,         subject, Intern(name, lastName),
+                          Intern(process, lastProcess),          Clock::now(), {}};
+            count.store(index + 1, std::memory_order_release);
+            return &entry;
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The step itself matters more than its time.
+    }
+    dropped.fetch_add(1, std::memory_order_relaxed);
+    return nullptr;
+}
+
+void StepJournal::End(Entry* entry, Outcome outcome) noexcept
+{
+    if (entry != nullptr)
+    {
+        entry->end.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
+        entry->outcome.store(outcome, std::memory_order_release);
+    }
+}
+
+void StepJournal::NoteFailure(const char* step, const String& component, const String& process,
+                              const String& text) noexcept
+{
+    try
+    {
+        auto failure = std::make_shared<Failure>();
+        failure->phase = GetPhase();
+        failure->step = step;
+        failure->process = process;
+        failure->time = Commons::Chrono::DateTime::GetUtcNow();
+        failure->text = text.substr(0, maximumErrorText);
+        const std::lock_guard lock(failuresMutex);
+        failures[component] = std::move(failure);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // It is in the log.
+        return;
+    }
+}
+
+std::vector<StepJournal::Step> StepJournal::Read() const
+{
+    const std::size_t size = count.load(std::memory_order_acquire);
+    const auto now = Clock::now();
+    std::vector<Step> steps;
+    steps.reserve(size);
+    for (std::size_t i = 0; i < size; ++i)
+    {
+        const Entry& entry = (*chunks[i / chunkSize])[i % chunkSize];
+        Step& step = steps.emplace_back(entry.step);
+        step.outcome = entry.outcome.load(std::memory_order_acquire);
+        step.end = step.outcome == Outcome::Running
+                       ? now
+                       : Clock::time_point(Clock::duration(entry.end.load(std::memory_order_relaxed)));
+    }
+    return steps;
+}
+
+StepJournal::Failures StepJournal::GetFailures() const
+{
+    const std::lock_guard lock(failuresMutex);
+    return failures;
+}
+
+const char* StepJournal::GetPhase() const noexcept
+{
+    return phase.load(std::memory_order_relaxed);
+}
+
+std::size_t StepJournal::GetDropped() const noexcept
+{
+    return dropped.load(std::memory_order_relaxed);
+}
+
+Commons::Chrono::DateTime StepJournal::GetOrigin() const noexcept
+{
+    return origin;
+}
+
+StepJournal::Clock::time_point StepJournal::GetOriginTime() const noexcept
+{
+    return originTime;
+}
+
+} // namespace Vela::System::Kiro::Internal::Sm
