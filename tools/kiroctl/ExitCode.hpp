@@ -16,6 +16,8 @@ enum class ExitCode : int
     NotFound = 4,
     Refused = 5,
     Failed = 6,
+    BudgetOfComponents = 7,
+    BudgetOfBoth = 8,
 };
 
 struct ExitCodeMeaning
@@ -33,6 +35,8 @@ inline constexpr std::array exitCodeMeanings{
     ExitCodeMeaning{ExitCode::NotFound, "There is nothing of the given name."},
     ExitCodeMeaning{ExitCode::Refused, "The system or a file's permissions do not allow it."},
     ExitCodeMeaning{ExitCode::Failed, "The command failed for another reason."},
+    ExitCodeMeaning{ExitCode::BudgetOfComponents, "A component has broken a limit of the budget."},
+    ExitCodeMeaning{ExitCode::BudgetOfBoth, "A component and a phase have broken limits of the budget."},
 };
 
 } // namespace Vela::Kiroctl

@@ -1,0 +1,353 @@
+// The commands that ask and command a running system, tried with the built tool on built systems.
+
+#include "SystemFixture.hpp"
+
+#include <fcntl.h>
+#include <nlohmann/json.hpp>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <regex>
+
+using nlohmann::json;
+using namespace Vela::Testing;
+
+namespace
+{
+
+struct Answer
+{
+    int code;
+    std::string text;
+
+    [[nodiscard]] json GetJson() const
+    {
+        return json::parse(text);
+    }
+};
+
+/// The names of a list's entries, blank-separated.
+std::string GetNames(const json& list)
+{
+    std::string names;
+    for (const json& entry : list)
+    {
+        names += entry.at("name").get<std::string>() + " ";
+    }
+    return names;
+}
+
+json FindNamed(const json& list, const std::string& name)
+{
+    for (const json& entry : list)
+    {
+        if (entry.at("name") == name)
+        {
+            return entry;
+        }
+    }
+    return nullptr;
+}
+
+class RunningSystemTest : public SystemTest
+{
+protected:
+    [[nodiscard]] Answer Ask(const std::vector<std::string>& arguments) const
+    {
+        StartedProcess tool(TestSystem::GetBuiltFile("bin/kiroctl"), arguments, system.environment,
+                            system.directory.GetPath().string());
+        const int code = tool.AwaitEnd();
+        return {code, tool.GetOutput()};
+    }
+
+    [[nodiscard]] json AskJson(std::vector<std::string> arguments, int code = 0) const
+    {
+        arguments.insert(arguments.begin(), "--json");
+        const Answer answer = Ask(arguments);
+        EXPECT_EQ(answer.code, code) << answer.text;
+        return answer.GetJson();
+    }
+
+    /// A FIFO at which a component waits until its writer closes it again.
+    [[nodiscard]] std::string MakeGate() const
+    {
+        const std::string gate = system.directory / "gate";
+        mkfifo(gate.c_str(), S_IRUSR | S_IWUSR);
+        return gate;
+    }
+
+    void ConfigurePlant() const
+    {
+        Configure({"MainProcess", "Left", "Right"}, {{"Tank1", "Left", "Recorder:controller:order=1"},
+                                                     {"Tank2", "Right", "Recorder:controller:order=2"},
+                                                     {"Panel", "MainProcess", "Recorder:order=3"}});
+    }
+
+    static std::string Contents(const std::string& path)
+    {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+} // namespace
+
+TEST_F(RunningSystemTest, AHealthySystemAnswersAllCommands)
+{
+    ConfigurePlant();
+    StartedProcess main = system.Start();
+    main.AwaitLine(isUp);
+
+    const json status = AskJson({"status"});
+    EXPECT_EQ(status["state"], "running");
+    EXPECT_EQ(status["hasError"], false);
+    EXPECT_EQ(status["phase"], "");
+    EXPECT_EQ(GetNames(status["processes"]), "Left MainProcess Right ");
+    EXPECT_EQ(FindNamed(status["processes"], "MainProcess")["pid"], main.GetId());
+    EXPECT_GT(FindNamed(status["processes"], "Left")["residentBytes"], 500'000);
+    EXPECT_EQ(status["components"], (json{{"configured-up", 1}, {"running", 2}}));
+    EXPECT_NE(Ask({"status"}).text.find("is running for"), std::string::npos);
+    EXPECT_EQ(GetNames(AskJson({"processes"})), "Left MainProcess Right ");
+
+    EXPECT_EQ(GetNames(AskJson({"components"})), "Tank1 Tank2 Panel ");
+    EXPECT_EQ(GetNames(AskJson({"components", "--process", "Right"})), "Tank2 ");
+    EXPECT_EQ(GetNames(AskJson({"components", "--state", "configured-up"})), "Panel ");
+
+    const json explained = AskJson({"explain", "Tank1"});
+    EXPECT_EQ(explained["state"], "running");
+    EXPECT_EQ(explained["step"], "StartComponent");
+    EXPECT_EQ(explained["process"], "Left");
+    EXPECT_TRUE(std::regex_search(explained["position"].get<std::string>(), std::regex("Default.kiro.config:[0-9]+")))
+        << explained["position"];
+    EXPECT_EQ(explained["waitsFor"], json::array());
+    const Answer unknown = Ask({"explain", "Tnk1"});
+    EXPECT_EQ(unknown.code, 4);
+    EXPECT_EQ(unknown.text, "kiroctl: There is no component 'Tnk1'. Did you mean 'Tank1' or 'Tank2'?\n");
+
+    EXPECT_EQ(Ask({"env", "set", "PLANT_MODE", "slow"}).code, 0);
+    for (const char* process : {"MainProcess", "Left", "Right"})
+    {
+        EXPECT_EQ(Ask({"env", "get", "PLANT_MODE", "--process", process}).text, "slow\n");
+    }
+    EXPECT_EQ(FindNamed(AskJson({"env", "list"}), "PLANT_MODE")["value"], "slow");
+    EXPECT_EQ(Ask({"env", "get", "PLANT_MOOD"}).text,
+              "kiroctl: The system has not defined 'PLANT_MOOD'. Did you mean 'PLANT_MODE'?\n");
+    EXPECT_EQ(Ask({"env", "list", "--process", "Lft"}).code, 4);
+    EXPECT_EQ(Ask({"resolve", "PLANT_MODE"}).code, 4);
+
+    EXPECT_EQ(Ask({"loglevel", "Vela", "loud"}).code, 2);
+    const std::string category = "Vela.System.Kiro.Internal.Pm";
+    EXPECT_EQ(AskJson({"loglevel", category, "trace", "--process", "Left"}).size(), 1U);
+    EXPECT_EQ(AskJson({"loglevel"}).size(), 4U) << "one of each process, and the one of Left";
+    EXPECT_EQ(Ask({"power-down"}).code, 0);
+    EXPECT_EQ(GetOrder("PowerDown"), "Panel Tank2 Tank1");
+    const json traced = AskJson({"log", "--category", category, "--level", "trace"});
+    ASSERT_FALSE(traced.empty());
+    for (const json& line : traced)
+    {
+        EXPECT_EQ(line["level"] == "Trace", line["process"] == "Left" && line["level"] == "Trace") << line;
+    }
+    EXPECT_EQ(traced.back()["process"], "Left");
+    EXPECT_EQ(AskJson({"log", "-n", "2"}).size(), 2U);
+
+    EXPECT_EQ(Ask({"shutdown", "--wait", "60"}).code, 0);
+    EXPECT_EQ(main.AwaitEnd(), 0) << main.GetOutput();
+    EXPECT_EQ(system.FindLeftovers(), "");
+    EXPECT_EQ(Ask({"status"}).code, 3);
+}
+
+TEST_F(RunningSystemTest, TheTimesOfAStartAreDrawnRankedAndHeldToABudget)
+{
+    ConfigurePlant();
+    StartedProcess main = system.Start();
+    main.AwaitLine(isUp);
+
+    const json document = AskJson({"timeline"});
+    system.directory.Write("timeline.json", document.dump());
+    main.Signal(SIGTERM);
+    EXPECT_EQ(main.AwaitEnd(), 0);
+
+    // Two controllers and one other component: creation, five steps of settings, two of configuration, and the start.
+    std::size_t bars = 0;
+    std::int64_t last = 0;
+    for (const json& step : document["steps"])
+    {
+        EXPECT_LE(step["begin"], step["end"]) << step;
+        EXPECT_EQ(step["outcome"], "done") << step;
+        EXPECT_GE(step["begin"], last) << "in the order of their begin";
+        last = step["begin"].get<std::int64_t>();
+        bars += step["subject"] == "phase" ? 0U : 1U;
+    }
+    EXPECT_EQ(std::count_if(document["steps"].begin(), document["steps"].end(),
+                            [](const json& step) { return step["subject"] == "component"; }),
+              3 * 8 + 2);
+    EXPECT_EQ(std::count_if(document["steps"].begin(), document["steps"].end(),
+                            [](const json& step) { return step["subject"] == "process"; }),
+              2);
+
+    // From here on the file stands for the system, which is gone.
+    const auto timeline = [&](std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), {"timeline", "--input", "timeline.json"});
+        return arguments;
+    };
+    EXPECT_EQ(AskJson(timeline({})), document);
+    const json blamed = AskJson(timeline({"blame", "-n", "5"}));
+    EXPECT_EQ(blamed.size(), 5U);
+    EXPECT_TRUE(std::is_sorted(blamed.begin(), blamed.end(),
+                               [](const json& left, const json& right)
+                               {
+                                   return left["end"].get<std::int64_t>() - left["begin"].get<std::int64_t>() >
+                                          right["end"].get<std::int64_t>() - right["begin"].get<std::int64_t>();
+                               }));
+    std::string phases;
+    for (const json& link : AskJson(timeline({"critical-chain"})))
+    {
+        phases += link["subject"] == "phase" ? link["step"].get<std::string>() + " " : "";
+    }
+    EXPECT_EQ(phases, "load-config start-processes load-libraries create settings config start ");
+
+    ASSERT_EQ(Ask(timeline({"export", "-o", "trace.json"})).code, 0);
+    const json trace = json::parse(Contents(system.directory / "trace.json"));
+    EXPECT_EQ(trace["traceEvents"].size(), document["steps"].size() + 3) << "and the names of three processes";
+
+    ASSERT_EQ(Ask(timeline({"plot", "-o", "plot.svg"})).code, 0);
+    StartedProcess check("/usr/bin/xmllint", {"--noout", system.directory / "plot.svg"});
+    EXPECT_EQ(check.AwaitEnd(), 0) << check.GetOutput();
+    const std::string svg = Contents(system.directory / "plot.svg");
+    std::smatch page;
+    ASSERT_TRUE(std::regex_search(svg, page, std::regex("viewBox=\"0 0 ([0-9]+) ([0-9]+)\"")));
+    const std::regex bar("class=\"bar\" x=\"([0-9.]+)\" y=\"([0-9.]+)\" width=\"([0-9.]+)\" height=\"([0-9.]+)\"");
+    std::size_t drawn = 0;
+    for (std::sregex_iterator found(svg.begin(), svg.end(), bar), end; found != end; ++found, ++drawn)
+    {
+        const auto number = [&](std::size_t group)
+        {
+            return std::stod((*found)[group].str());
+        };
+        EXPECT_GT(number(1), 0) << found->str();
+        EXPECT_LE(number(1) + number(3), std::stod(page[1].str())) << found->str();
+        EXPECT_LE(number(2) + number(4), std::stod(page[2].str())) << found->str();
+    }
+    EXPECT_EQ(drawn, bars);
+
+    const auto judge = [&](const std::string& budget)
+    {
+        system.directory.Write("budget.json", budget);
+        return Ask(timeline({"--budget", "budget.json"})).code;
+    };
+    EXPECT_EQ(judge(R"({"total": 3600000, "phases": {"start": 3600000}, "components": {"*": {"total": 3600000}}})"), 0);
+    EXPECT_EQ(judge(R"({"total": 0})"), 1);
+    EXPECT_EQ(judge(R"({"components": {"*": {"total": 0}, "Tank1": {"total": 3600000}}})"), 7);
+    EXPECT_EQ(judge(R"({"phases": {"settings": 0}, "components": {"Tank2": {"config": 0}}})"), 8);
+    EXPECT_EQ(judge(R"({"components": {"Tank3": {"config": 1}}})"), 4);
+    EXPECT_EQ(judge(R"({"phases": {"setings": 1}})"), 4);
+    EXPECT_EQ(judge(R"({"total": "fast"})"), 2);
+    EXPECT_EQ(judge("{"), 2);
+    EXPECT_EQ(Ask({"timeline", "--input", "budget.json"}).code, 2);
+    EXPECT_EQ(Ask({"timeline", "--input", "nowhere.json"}).code, 5);
+}
+
+TEST_F(RunningSystemTest, AStartingSystemTellsWhatItWaitsForAndNotifies)
+{
+    ConfigurePlant();
+    const std::string gate = MakeGate();
+    WriteScript("Tank1 LoadSettings await " + gate + "\n");
+    StartedProcess main = system.Start();
+    // Opens when the component is there to read.
+    const int writer = open(gate.c_str(), O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(writer, 0);
+
+    const json status = AskJson({"status"});
+    EXPECT_EQ(status["state"], "starting");
+    EXPECT_EQ(status["phase"], "settings");
+    ASSERT_EQ(status["running"].size(), 2U) << status["running"];
+    EXPECT_EQ(status["running"][1]["step"], "LoadComponentSettings");
+    EXPECT_EQ(status["running"][1]["name"], "Tank1");
+
+    EXPECT_EQ(AskJson({"explain", "Tank1"})["state"], "busy");
+    const json waiting = AskJson({"explain", "Tank2"});
+    EXPECT_EQ(waiting["state"], "created");
+    ASSERT_EQ(waiting["waitsFor"].size(), 1U);
+    EXPECT_EQ(waiting["waitsFor"][0]["name"], "Tank1");
+    EXPECT_EQ(waiting["next"], "kiroctl explain Tank1");
+    EXPECT_EQ(FindNamed(AskJson({"timeline"})["steps"], "Tank2")["step"], "CreateComponent");
+
+    StartedProcess watch(TestSystem::GetBuiltFile("bin/kiroctl"), {"watch", "Vela.System.Kiro.*", "--count", "5"},
+                         system.environment);
+    watch.AwaitLine("Watching");
+    close(writer);
+    main.AwaitLine(isUp);
+    EXPECT_EQ(watch.AwaitEnd(), 0) << watch.GetOutput();
+    EXPECT_TRUE(watch.HasOutput("SystemManager.Startup")) << watch.GetOutput();
+    EXPECT_EQ(watch.CountOutput("SystemManager.StateChanged"), 4) << watch.GetOutput();
+
+    StartedProcess follow(TestSystem::GetBuiltFile("bin/kiroctl"), {"log", "--follow", "--process", "MainProcess"},
+                          system.environment);
+    follow.AwaitLine("was setup successfully");
+    main.Signal(SIGTERM);
+    EXPECT_EQ(main.AwaitEnd(), 0);
+    EXPECT_EQ(follow.AwaitEnd(), 0) << follow.GetOutput();
+}
+
+TEST_F(RunningSystemTest, WhatFailsIsExplainedInFull)
+{
+    Configure({"MainProcess", "Left"}, {{"Tank1", "Left", "Recorder:controller:order=1"},
+                                        {"Valve", "Left", "Recorder:controller:order=2", "isRequired=\"false\""},
+                                        {"Pump", "Left", "Recorder:controller:order=3", "isRequired=\"true\""}});
+    WriteScript("Valve SetupSettings throw platform the seat is worn\n");
+    {
+        StartedProcess main = system.Start();
+        main.AwaitLine(isUp);
+        const json valve = AskJson({"explain", "Valve"}, 1);
+        EXPECT_EQ(valve["state"], "removed");
+        EXPECT_EQ(valve["failure"]["step"], "SetupComponentSettings");
+        EXPECT_EQ(valve["failure"]["phase"], "settings");
+        EXPECT_NE(valve["failure"]["text"].get<std::string>().find("the seat is worn"), std::string::npos);
+        EXPECT_NE(Ask({"explain", "Valve"}).text.find("the seat is worn"), std::string::npos);
+        EXPECT_EQ(AskJson({"explain", "Pump"})["state"], "running");
+        main.Signal(SIGTERM);
+        EXPECT_EQ(main.AwaitEnd(), 0);
+    }
+    // A required one ends the start; a component that is held while all is taken down lets the failed system be asked.
+    const std::string gate = MakeGate();
+    WriteScript("Pump LoadConfig throw own the shaft is broken\nTank1 Dispose await " + gate + "\n");
+    StartedProcess main = system.Start();
+    const int writer = open(gate.c_str(), O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(writer, 0);
+    const json status = AskJson({"status"}, 1);
+    EXPECT_NE(status["failure"]["text"].get<std::string>().find("the shaft is broken"), std::string::npos);
+    EXPECT_EQ(status["phase"], "dispose");
+    const json pump = AskJson({"explain", "Pump"}, 1);
+    EXPECT_EQ(pump["state"], "failed");
+    EXPECT_EQ(pump["failure"]["phase"], "config");
+    const json failed = AskJson({"timeline"});
+    EXPECT_EQ(std::count_if(failed["steps"].begin(), failed["steps"].end(),
+                            [](const json& step) { return step["outcome"] == "failed"; }),
+              1);
+    close(writer);
+    EXPECT_EQ(main.AwaitEnd(), 1);
+    const json kept = AskJson({"timeline", "--failed"});
+    EXPECT_EQ(std::count_if(kept["steps"].begin(), kept["steps"].end(),
+                            [](const json& step)
+                            { return step["outcome"] == "failed" && step["step"] == "LoadComponentConfig"; }),
+              1);
+    EXPECT_NE(Ask({"timeline", "--failed", "plot"}).text.find(">failed</text>"), std::string::npos);
+}
+
+TEST_F(RunningSystemTest, ADeadSystemIsUnreachable)
+{
+    ConfigurePlant();
+    StartedProcess main = system.Start();
+    main.AwaitLine(isUp);
+    main.Signal(SIGKILL);
+    EXPECT_EQ(main.AwaitEnd(), -SIGKILL);
+    for (const char* command : {"status", "watch"})
+    {
+        const Answer answer = Ask({command});
+        EXPECT_EQ(answer.code, 3) << answer.text;
+        EXPECT_EQ(answer.text.find("kiroctl: "), 0U) << answer.text;
+    }
+    EXPECT_EQ(Ask({"--runtime-dir", system.directory / "nowhere", "status"}).code, 3);
+}

@@ -1,0 +1,139 @@
+#include "RunningSystem.hpp"
+
+#include "../CommandError.hpp"
+
+#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Kiro/Services/Internal/DiagnosticsServiceProxy.hpp>
+#include <Vela/System/Kiro/Services/Internal/SystemDiagnosticsServiceProxy.hpp>
+#include <Vela/System/Kiro/Services/Internal/SystemManagerServiceProxy.hpp>
+#include <Vela/System/Rsc/ServiceManager.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+/// For a system that has only just been started.
+constexpr std::chrono::milliseconds patience{3000};
+
+template <typename Factory>
+auto Find(Factory& factory, const System::Rsc::ServiceProvider& provider)
+{
+    auto service = System::Rsc::ServiceManager::TryGetService(factory, provider, patience);
+    if (!service)
+    {
+        const String directory = System::Commons::Environment::GetVariableValueOr(
+            System::Commons::Environment::runtimeDirectoryName, "the user's own runtime directory");
+        throw CommandError(ExitCode::Unreachable, "Nobody answers for '{}' in {}.", provider.GetName(), directory);
+    }
+    return service;
+}
+
+std::size_t CountChanges(std::string_view left, std::string_view right)
+{
+    std::vector<std::size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < left.size(); ++i)
+    {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < right.size(); ++j)
+        {
+            const bool isSame =
+                std::tolower(static_cast<unsigned char>(left[i])) == std::tolower(static_cast<unsigned char>(right[j]));
+            const std::size_t changed = diagonal + (isSame ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+RunningSystem::RunningSystem(Session& session)
+{
+    session.Connect();
+}
+
+std::shared_ptr<Services::ISystemDiagnosticsService> RunningSystem::GetDiagnostics() const
+{
+    return Find(Services::SystemDiagnosticsServiceProxyFactory::GetInstance(),
+                System::Rsc::ServiceProvider::MainProcess());
+}
+
+std::shared_ptr<Services::ISystemManagerService> RunningSystem::GetManager() const
+{
+    return Find(Services::SystemManagerServiceProxyFactory::GetInstance(), System::Rsc::ServiceProvider::MainProcess());
+}
+
+std::shared_ptr<Services::IDiagnosticsService> RunningSystem::GetProcess(const String& process) const
+{
+    return Find(Services::DiagnosticsServiceProxyFactory::GetInstance(),
+                System::Rsc::ServiceProvider::Process(process));
+}
+
+std::vector<String> RunningSystem::SelectProcesses(const String& name) const
+{
+    std::vector<String> known;
+    std::vector<String> selected;
+    for (const auto& process : GetDiagnostics()->GetProcesses())
+    {
+        known.push_back(process.name);
+        if (name == process.name || (name.empty() && (process.isMain || process.state == "connected")))
+        {
+            selected.push_back(process.name);
+        }
+    }
+    if (selected.empty())
+    {
+        throw CommandError(ExitCode::NotFound, "There is no process '{}'.{}", name, SuggestNames(name, known));
+    }
+    return selected;
+}
+
+std::vector<std::string> FindNearest(const std::string& name, std::span<const String> known)
+{
+    std::vector<std::pair<std::size_t, std::string>> distances;
+    for (const String& candidate : known)
+    {
+        const std::size_t changes = CountChanges(name, candidate);
+        if (changes <= std::max<std::size_t>(2, std::max(name.size(), candidate.size()) / 2))
+        {
+            distances.emplace_back(changes, candidate);
+        }
+    }
+    std::sort(distances.begin(), distances.end());
+    std::vector<std::string> nearest;
+    for (const auto& [changes, candidate] : distances)
+    {
+        if (nearest.size() < 3)
+        {
+            nearest.push_back(candidate);
+        }
+    }
+    return nearest;
+}
+
+std::string SuggestNames(const std::string& name, std::span<const String> known)
+{
+    const auto nearest = FindNearest(name, known);
+    if (nearest.empty())
+    {
+        return {};
+    }
+    std::string text = " Did you mean";
+    for (std::size_t i = 0; i < nearest.size(); ++i)
+    {
+        text += i == 0 ? " '" : i + 1 == nearest.size() ? " or '" : ", '";
+        text += nearest[i] + "'";
+    }
+    return text + "?";
+}
+
+} // namespace Vela::Kiroctl

@@ -1,0 +1,110 @@
+#include "../Client/RunningSystem.hpp"
+#include "../Command.hpp"
+
+#include <algorithm>
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+class Env final : public Command
+{
+public:
+    void Declare(CLI::App& app) override
+    {
+        app.require_subcommand(1);
+        list = app.add_subcommand("list", "List the variables that the system has defined");
+        get = app.add_subcommand("get", "Show the value of a variable");
+        set = app.add_subcommand("set", "Set a variable in every process");
+        for (CLI::App* query : {list, get})
+        {
+            query->add_option("--process", process, "The process to ask; default: the main process")->type_name("NAME");
+        }
+        for (CLI::App* one : {get, set})
+        {
+            one->add_option("name", name, "Name of the variable")->required();
+        }
+        set->add_option("value", value, "Its value")->required();
+        for (CLI::App* one : {list, get, set})
+        {
+            one->fallthrough();
+        }
+    }
+
+    ExitCode Run(Session& session) override
+    {
+        const RunningSystem system(session);
+        Output& output = session.GetOutput();
+        if (set->parsed())
+        {
+            system.GetManager()->SetEnvironmentVariable(name, System::Rsc::RscVariant<512>(value));
+            if (output.IsJson())
+            {
+                output.WriteJson(Json{{"name", name}, {"value", value}});
+            }
+            return ExitCode::Success;
+        }
+        const String asked =
+            process.empty() ? system.GetDiagnostics()->GetStatus().name : system.SelectProcesses(process).front();
+        const auto variables = system.GetProcess(asked)->GetEnvironment();
+        return list->parsed() ? List(output, variables) : Get(output, variables);
+    }
+
+private:
+    static ExitCode List(Output& output, const std::vector<Services::EnvironmentValue>& variables)
+    {
+        Json json = Json::array();
+        Table table({{"VARIABLE"}, {"VALUE"}, {"KIND"}});
+        for (const auto& variable : variables)
+        {
+            json.push_back(
+                Json{{"name", variable.name}, {"value", variable.value}, {"isOverridden", variable.isOverridden}});
+            table.AddRow({variable.name, variable.value, variable.isOverridden ? "override" : "default"});
+        }
+        output.IsJson() ? output.WriteJson(json) : output.WriteTable(table);
+        return ExitCode::Success;
+    }
+
+    [[nodiscard]] ExitCode Get(Output& output, const std::vector<Services::EnvironmentValue>& variables) const
+    {
+        const auto found = std::find_if(variables.begin(), variables.end(),
+                                        [this](const auto& variable) { return variable.name == name; });
+        if (found == variables.end())
+        {
+            std::vector<String> known;
+            for (const auto& variable : variables)
+            {
+                known.push_back(variable.name);
+            }
+            throw CommandError(ExitCode::NotFound, "The system has not defined '{}'.{}", name,
+                               SuggestNames(name, known));
+        }
+        if (output.IsJson())
+        {
+            output.WriteJson(Json{{"name", name}, {"value", found->value}, {"isOverridden", found->isOverridden}});
+        }
+        else
+        {
+            output.WriteLine(found->value);
+        }
+        return ExitCode::Success;
+    }
+
+    CLI::App* list = nullptr;
+    CLI::App* get = nullptr;
+    CLI::App* set = nullptr;
+    std::string process;
+    std::string name;
+    std::string value;
+};
+
+} // namespace
+
+std::unique_ptr<Command> CreateEnv()
+{
+    return std::make_unique<Env>();
+}
+
+} // namespace Vela::Kiroctl

@@ -1,0 +1,189 @@
+#include "../Client/Format.hpp"
+#include "../Client/RunningSystem.hpp"
+#include "../Command.hpp"
+
+#include <Vela/System/Commons/PlainText.hpp>
+
+#include <algorithm>
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+using System::Commons::MakePlainText;
+
+class Explain final : public Command
+{
+public:
+    void Declare(CLI::App& app) override
+    {
+        app.add_option("component", name, "Name of the component")->required();
+    }
+
+    ExitCode Run(Session& session) override
+    {
+        const auto diagnostics = RunningSystem(session).GetDiagnostics();
+        const auto status = diagnostics->GetStatus();
+        const auto components = diagnostics->GetComponents();
+        const auto found = std::find_if(components.begin(), components.end(),
+                                        [this](const auto& component) { return component.name == name; });
+        if (found == components.end())
+        {
+            return ReportUnknown(session.GetOutput(), components);
+        }
+        Output& output = session.GetOutput();
+        const auto waits = FindWaits(status, *found);
+        const std::string advice = Advise(status, *found, waits);
+        if (output.IsJson())
+        {
+            Json json = ToJson(*found);
+            json["system"] = status.state;
+            json["waitsFor"] = Json::array();
+            for (const auto& step : waits)
+            {
+                json["waitsFor"].push_back(ToJson(step));
+            }
+            json["next"] = advice;
+            output.WriteJson(json);
+        }
+        else
+        {
+            Write(output, status, *found, waits, advice);
+        }
+        return found->failure.time == 0 ? ExitCode::Success : ExitCode::Negative;
+    }
+
+private:
+    ExitCode ReportUnknown(Output& output, const std::vector<Services::ComponentStatus>& components) const
+    {
+        std::vector<String> known;
+        for (const auto& component : components)
+        {
+            known.push_back(component.name);
+        }
+        if (output.IsJson())
+        {
+            output.WriteJson(Json{{"name", name}, {"nearest", FindNearest(name, known)}});
+        }
+        throw CommandError(ExitCode::NotFound, "There is no component '{}'.{}", name, SuggestNames(name, known));
+    }
+
+    /// What runs now and is not the component's own: the walk takes one component after the other.
+    [[nodiscard]] std::vector<Services::TimedStep> FindWaits(const Services::SystemStatus& status,
+                                                             const Services::ComponentStatus& component) const
+    {
+        std::vector<Services::TimedStep> waits;
+        std::copy_if(status.running.begin(), status.running.end(), std::back_inserter(waits),
+                     [&](const Services::TimedStep& step)
+                     { return step.subject != "phase" && component.state != "busy" && component.state != "external"; });
+        return waits;
+    }
+
+    [[nodiscard]] static std::string Advise(const Services::SystemStatus& status,
+                                            const Services::ComponentStatus& component,
+                                            const std::vector<Services::TimedStep>& waits)
+    {
+        if (component.failure.time != 0 || component.state == "busy")
+        {
+            return "kiroctl log --process " + component.process;
+        }
+        if (!waits.empty() && waits.front().subject == "component")
+        {
+            return "kiroctl explain " + waits.front().name;
+        }
+        if (status.failure.time != 0)
+        {
+            return "kiroctl status";
+        }
+        return component.state == "running" ? "kiroctl timeline blame"
+                                            : "kiroctl components --process " + component.process;
+    }
+
+    static const char* GetMeaning(const Services::ComponentStatus& component)
+    {
+        static constexpr std::pair<std::string_view, const char*> meanings[] = {
+            {"configured", "It is configured and has not been created yet."},
+            {"external", "Its process is external: this system does not create it."},
+            {"created", "It has been created, and its set-up has not begun."},
+            {"disabled", "It is disabled in the configuration: it is created and nothing else."},
+            {"initialized", "Its set-up is under way."},
+            {"set-up", "Its settings are set up."},
+            {"configured-up", "It is set up and configured."},
+            {"running", "It runs."},
+            {"busy", "One of its steps is running now."},
+            {"failed", "A step has failed."},
+            {"removed", "A step has failed, and the system goes on without the component, which is not required."},
+            {"stopped", "It has been stopped."},
+            {"disposed", "It has been taken down."},
+            {"destroyed", "It has been taken down and is gone."},
+        };
+        const auto found = std::find_if(std::begin(meanings), std::end(meanings),
+                                        [&](const auto& entry) { return entry.first == component.state; });
+        return found == std::end(meanings) ? "" : found->second;
+    }
+
+    static void Write(Output& output, const Services::SystemStatus& status, const Services::ComponentStatus& component,
+                      const std::vector<Services::TimedStep>& waits, const std::string& advice)
+    {
+        output.WriteLine(fmt::format("Component '{}' is {}. {}", component.name,
+                                     output.Paint(component.state, GetStateStyle(component.state)),
+                                     GetMeaning(component)));
+        output.WriteLine(fmt::format("  System:     {}{}", status.state,
+                                     status.phase.empty() ? "" : fmt::format(", in phase '{}'", status.phase)));
+        output.WriteLine(fmt::format("  Process:    {}", component.process));
+        if (!component.step.empty())
+        {
+            output.WriteLine(fmt::format("  {} {} of phase '{}', {}{}{}",
+                                         component.state == "busy" ? "Step:      " : "Last step: ", component.step,
+                                         component.phase, component.state == "busy" ? "for " : "",
+                                         FormatDuration(status.now - component.since),
+                                         component.state == "busy" ? "" : " ago"));
+        }
+        output.WriteLine(fmt::format("  Configured: {}", component.position));
+        output.WriteLine(fmt::format("              type {}, library {}, {}, {}{}", component.type,
+                                     component.library.empty() ? "of the executable" : component.library,
+                                     component.isRequired ? "required" : "not required",
+                                     component.isEnabled ? "enabled" : "disabled",
+                                     component.settingsPath.empty() ? "" : ", settings " + component.settingsPath));
+        for (const auto& step : waits)
+        {
+            output.WriteLine(fmt::format("  Waits for:  {}, for {}", Describe(step),
+                                         FormatDuration((step.end - step.begin) / 1000)));
+        }
+        if (component.failure.time != 0)
+        {
+            output.WriteLine(fmt::format("  Failed:     in {} of phase '{}' at {}:", component.failure.step,
+                                         component.failure.phase, FormatTime(component.failure.time)));
+            WriteIndented(output, component.failure.text);
+        }
+        else if (status.failure.time != 0)
+        {
+            output.WriteLine("  The set-up of the system has failed:");
+            WriteIndented(output, status.failure.text);
+        }
+        output.WriteLine("  Next:       " + advice);
+    }
+
+    static void WriteIndented(Output& output, std::string_view text)
+    {
+        while (!text.empty())
+        {
+            const auto end = text.find('\n');
+            output.WriteLine("      " + MakePlainText(text.substr(0, end)));
+            text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+        }
+    }
+
+    std::string name;
+};
+
+} // namespace
+
+std::unique_ptr<Command> CreateExplain()
+{
+    return std::make_unique<Explain>();
+}
+
+} // namespace Vela::Kiroctl

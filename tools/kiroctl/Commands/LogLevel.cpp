@@ -1,0 +1,66 @@
+#include "../Client/LogLevels.hpp"
+#include "../Client/RunningSystem.hpp"
+#include "../Command.hpp"
+
+namespace Vela::Kiroctl
+{
+
+namespace
+{
+
+class SetLogLevel final : public Command
+{
+public:
+    void Declare(CLI::App& app) override
+    {
+        app.add_option("category", category, "Category and all below it; '*' means all")->type_name("CATEGORY");
+        app.add_option("level", level, "Off, Fatal, Error, Warning, Info, Debug or Trace")->type_name("LEVEL");
+        app.add_option("--process", process, "Only in this process")->type_name("NAME");
+        app.footer("Without a level the levels that are set are shown.");
+    }
+
+    ExitCode Run(Session& session) override
+    {
+        const RunningSystem system(session);
+        const std::string prefix = category == "*" ? "" : category;
+        const bool isChange = !level.empty();
+        const LogLevel newLevel = isChange ? ParseLogLevel(level) : LogLevel::None;
+        Json json = Json::array();
+        Table table({{"PROCESS"}, {"CATEGORY"}, {"LEVEL"}});
+        for (const String& name : system.SelectProcesses(process))
+        {
+            const auto service = system.GetProcess(name);
+            if (isChange)
+            {
+                service->SetLogLevel(prefix, newLevel);
+            }
+            for (const auto& set : service->GetLogLevels())
+            {
+                const std::string shown = set.category.empty() ? "*" : set.category;
+                if (!category.empty() && shown != category)
+                {
+                    continue;
+                }
+                json.push_back(Json{{"process", name}, {"category", shown}, {"level", GetLevelName(set.level)}});
+                table.AddRow({name, shown, GetLevelName(set.level)});
+            }
+        }
+        Output& output = session.GetOutput();
+        output.IsJson() ? output.WriteJson(json) : output.WriteTable(table);
+        return ExitCode::Success;
+    }
+
+private:
+    std::string category;
+    std::string level;
+    std::string process;
+};
+
+} // namespace
+
+std::unique_ptr<Command> CreateLogLevel()
+{
+    return std::make_unique<SetLogLevel>();
+}
+
+} // namespace Vela::Kiroctl
