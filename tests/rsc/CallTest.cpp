@@ -49,6 +49,49 @@ protected:
 
 } // namespace
 
+TEST_P(Call, CarriesEveryTypeAloneAndInVectorsAndArrays)
+{
+    const auto service = OpenService();
+    EXPECT_EQ(service->Reflect({}), Everything());
+
+    const Point point{-3, 2.5};
+    const Drawing drawing{"name", Colour::Blue, {point, point}, {1, 2}};
+    const String text("\0text\xff", 6);
+    using Int64 = std::numeric_limits<std::int64_t>;
+    const Everything everything{
+        .truth = true,
+        .int8 = -128,
+        .uint8 = 255,
+        .int16 = -32768,
+        .uint16 = 65535,
+        .int32 = std::numeric_limits<std::int32_t>::min(),
+        .uint32 = std::numeric_limits<std::uint32_t>::max(),
+        .int64 = Int64::min(),
+        .uint64 = std::numeric_limits<std::uint64_t>::max(),
+        .single = std::numeric_limits<float>::denorm_min(),
+        .number = -std::numeric_limits<double>::max(),
+        .colour = Colour::Blue,
+        .text = text,
+        .shortText = "fifteen letters",
+        .variant = "sixteen letters.",
+        .point = point,
+        .truths = {true, false, true},
+        .integers = {Int64::min(), 0, Int64::max()},
+        .singles = {0.1F, std::numeric_limits<float>::infinity()},
+        .texts = {"", text},
+        .variants = {true, std::int8_t{-1}, std::uint64_t{1}, 0.1F, 0.1, "text"},
+        .drawings = {drawing, {}},
+        .bytes = {0, 128, 255},
+        .twoTexts = {"one", ""},
+        .twoVariants = {RscVariant<16>(1.5), RscVariant<16>("two")},
+        .twoPoints = {point, {}},
+        .colours = {{Colour::Red, Colour::Blue}, {}, {Colour::Blue}},
+        .lines = {{point, {}}, {}},
+        .rows = {std::vector<std::int8_t>{-1}, {}},
+    };
+    EXPECT_EQ(service->Reflect(everything), everything);
+}
+
 TEST_P(Call, CarriesArgumentsAndResultsOfEveryKind)
 {
     const auto service = OpenService();

@@ -32,6 +32,41 @@ struct Drawing
     bool operator==(const Drawing&) const = default;
 };
 
+/// A member of each type that can travel, and of vectors and arrays of them.
+struct Everything
+{
+    bool truth = false;
+    std::int8_t int8 = 0;
+    std::uint8_t uint8 = 0;
+    std::int16_t int16 = 0;
+    std::uint16_t uint16 = 0;
+    std::int32_t int32 = 0;
+    std::uint32_t uint32 = 0;
+    std::int64_t int64 = 0;
+    std::uint64_t uint64 = 0;
+    float single = 0;
+    double number = 0;
+    Colour colour = Colour::Red;
+    String text;
+    RscString<16> shortText;
+    RscVariant<16> variant;
+    Point point;
+    std::vector<bool> truths;
+    std::vector<std::int64_t> integers;
+    std::vector<float> singles;
+    std::vector<String> texts;
+    std::vector<RscVariant<16>> variants;
+    std::vector<Drawing> drawings;
+    std::array<std::uint8_t, 3> bytes{};
+    std::array<String, 2> twoTexts;
+    std::array<RscVariant<16>, 2> twoVariants;
+    std::array<Point, 2> twoPoints;
+    std::vector<std::vector<Colour>> colours;
+    std::vector<std::array<Point, 2>> lines;
+    std::array<std::vector<std::int8_t>, 2> rows;
+    bool operator==(const Everything&) const = default;
+};
+
 /// Has an operation for each kind of argument, result and failure.
 class ITestService : public IRscService
 {
@@ -55,6 +90,8 @@ public:
     virtual std::uint64_t GetThread() = 0;
     /// Takes its time.
     virtual void Linger(std::int32_t milliseconds) = 0;
+    /// Takes everything apart and puts it together again on the way.
+    virtual Everything Reflect(const Everything& everything) = 0;
 };
 
 } // namespace Vela::System::Rsc::Testing
@@ -76,6 +113,17 @@ struct StructFields<Testing::Drawing>
 };
 
 template <>
+struct StructFields<Testing::Everything>
+{
+    using E = Testing::Everything;
+    static constexpr auto fields =
+        std::tuple(&E::truth, &E::int8, &E::uint8, &E::int16, &E::uint16, &E::int32, &E::uint32, &E::int64, &E::uint64,
+                   &E::single, &E::number, &E::colour, &E::text, &E::shortText, &E::variant, &E::point, &E::truths,
+                   &E::integers, &E::singles, &E::texts, &E::variants, &E::drawings, &E::bytes, &E::twoTexts,
+                   &E::twoVariants, &E::twoPoints, &E::colours, &E::lines, &E::rows);
+};
+
+template <>
 struct OperationTable<Testing::ITestService>
 {
     using ITestService = Testing::ITestService;
@@ -87,7 +135,7 @@ struct OperationTable<Testing::ITestService>
         Operation<7, &ITestService::Fail>("Fail"), Operation<8, &ITestService::Nest>("Nest", noDeadline),
         Operation<9, &ITestService::Wait>("Wait"), Operation<10, &ITestService::Release>("Release"),
         Operation<11, &ITestService::Many>("Many"), Operation<12, &ITestService::GetThread>("GetThread", noDeadline),
-        Operation<13, &ITestService::Linger>("Linger", noDeadline));
+        Operation<13, &ITestService::Linger>("Linger", noDeadline), Operation<14, &ITestService::Reflect>("Reflect"));
 };
 
 } // namespace Vela::System::Rsc
@@ -113,6 +161,11 @@ public:
     String Echo(const String& text) override
     {
         return Invoke<&ITestService::Echo>(text);
+    }
+
+    Everything Reflect(const Everything& everything) override
+    {
+        return Invoke<&ITestService::Reflect>(everything);
     }
 
     Drawing Mirror(const Drawing& drawing) override

@@ -54,6 +54,11 @@ public:
         return text;
     }
 
+    Everything Reflect(const Everything& everything) override
+    {
+        return everything;
+    }
+
     Drawing Mirror(const Drawing& drawing) override
     {
         return drawing;
