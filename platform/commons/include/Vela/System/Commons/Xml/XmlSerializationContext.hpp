@@ -26,7 +26,7 @@ public:
         XmlPosition position;
     };
 
-    /// The element that names included files: <Includes><Include path="..."/></Includes>.
+    /// The element that names included files: `<Includes><Include path="..."/></Includes>`.
     static constexpr const char* includesXmlName = "Includes";
     static constexpr const char* includeXmlName = "Include";
     static constexpr const char* includePathXmlName = "path";
