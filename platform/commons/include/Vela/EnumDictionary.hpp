@@ -134,7 +134,6 @@ std::istream& ReadEnum(std::istream& stream, E& value)
 
 } // namespace Vela
 
-/// @cond
 /// Enumerations with a dictionary print by name in messages too.
 template <Vela::EnumWithDictionary E>
 struct fmt::formatter<E> : fmt::formatter<Vela::String>
@@ -147,4 +146,3 @@ struct fmt::formatter<E> : fmt::formatter<Vela::String>
             name != nullptr ? Vela::String(name) : std::to_string(static_cast<long long>(value)), context);
     }
 };
-/// @endcond
