@@ -83,7 +83,7 @@ TEST(ThreadStacks, ShowWhereEachThreadIsAndForWhomAndDisturbNone)
 {
     const RestingThread first("First");
     const RestingThread second("Second");
-    for (int round = 0; round < 20; ++round)
+    for (int round = 0; round < 5; ++round)
     {
         const auto stacks = ThreadStacks::Collect();
         for (const auto& [thread, name] : {std::pair{&first, "First"}, std::pair{&second, "Second"}})

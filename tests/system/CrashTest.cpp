@@ -85,7 +85,10 @@ TEST_F(CrashTest, AnExceptionThatNobodyCatchesIsACrashOfTheMainProcessItself)
     EXPECT_EQ(record["signal"], "SIGABRT (6)");
     EXPECT_EQ(record["component"], "Faulty");
     EXPECT_EQ(record["step"], "DestroyComponent");
+#ifndef __arm__
+    // There is no way back from where the C library aborts.
     EXPECT_NE(record["stack"].find("/libRecording.so+0x"), std::string::npos) << record["stack"];
+#endif
     EXPECT_NE(record["log"].find("unexpected exception:  the pump is gone"), std::string::npos) << record["log"];
 }
 #endif

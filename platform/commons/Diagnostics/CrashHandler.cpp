@@ -202,8 +202,10 @@ void Handle(int signal, siginfo_t* info, void* context)
     LimitTime();
     Report(signal, *info, context);
     RestoreDefault(signal);
-    // Comes again, with all that the system told about it, as soon as this handler returns.
-    if (::syscall(SYS_rt_tgsigqueueinfo, ::getpid(), thread, signal, info) != 0)
+    // A fault comes again by itself, when this handler returns to the instruction at fault. What somebody has sent is
+    // sent again, with all that was told about it.
+    const bool isFault = info->si_code > 0;
+    if (!isFault && ::syscall(SYS_rt_tgsigqueueinfo, ::getpid(), thread, signal, info) != 0)
     {
         DieAtOnce();
     }
