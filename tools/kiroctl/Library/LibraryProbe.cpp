@@ -11,6 +11,8 @@
 
 #include <dlfcn.h>
 
+#include <stdexcept>
+
 namespace Vela::Kiroctl
 {
 
@@ -19,6 +21,16 @@ namespace
 
 namespace Kiro = System::Kiro;
 using Kiro::Internal::Pm::SharedLibraryLoader;
+
+/// Wherever a library would look for the framework: in a process of the runtime it is there already.
+Kiro::Internal::Pm::LoadedLibrary Load(const String& path)
+{
+    if (::dlopen(KIRO_LIBRARY, RTLD_LAZY | RTLD_LOCAL) == nullptr)
+    {
+        throw std::runtime_error(::dlerror());
+    }
+    return SharedLibraryLoader::Load(path, false, {});
+}
 
 class ProbingApplication final : public Kiro::IApplication
 {
@@ -33,7 +45,7 @@ public:
 Json Construct(const String& path, const ProbedComponent& component)
 {
     static ProbingApplication application;
-    const auto loaded = SharedLibraryLoader::Load(path, false, {});
+    const auto loaded = Load(path);
     const auto created =
         loaded.library->GetComponentFactory().CreateComponent(application, component.type, component.name);
     if (created == nullptr)
@@ -48,7 +60,7 @@ Json Construct(const String& path, const ProbedComponent& component)
 
 Json AskForTypes(const String& path, const std::vector<ProbedComponent>& components)
 {
-    const auto loaded = SharedLibraryLoader::Load(path, false, {});
+    const auto loaded = Load(path);
     Json answer{{"hasEntry", loaded.library != nullptr}, {"unknownTypes", Json::array()}};
     if (loaded.library != nullptr)
     {
