@@ -3,6 +3,8 @@
 #include <RecordedTrace.hpp>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 
 namespace Vela::Testing
 {
@@ -152,6 +154,32 @@ TEST_F(PlanTest, TellsTheDifferencesOfTwoPlans)
                        "component Out added \n"
                        "order components moved order\n");
     EXPECT_EQ(Run({"plan", "--diff", "before.config"}).output, "The plans are the same.\n");
+}
+
+TEST_F(PlanTest, TheExampleIsSoundAndStartsInItsOrder)
+{
+    const std::filesystem::path plant = system.directory.GetPath() / "plant";
+    const auto copy = [this](const std::filesystem::path& file, const std::string& name)
+    {
+        std::ifstream stream(file, std::ios::binary);
+        system.directory.Write(name, {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()});
+    };
+    for (const auto& document : std::filesystem::directory_iterator(EXAMPLE_DOCUMENTS))
+    {
+        copy(document.path(), "plant/system/" + document.path().filename().string());
+    }
+    // The example is a project of its own; libraries that are not loaded need no more than to be libraries.
+    for (const std::string name : {"TankSimulator", "LevelController", "PlantServices"})
+    {
+        copy(TestSystem::GetBuiltFile("lib/libRecording.so"), "plant/lib/lib" + name + ".so");
+    }
+    const std::string settings = plant / "system/Default.kiro.settings";
+    const std::string configuration = plant / "system/Default.kiro.config";
+    const Result check = Run({"check", "--strict", "--no-load", settings, configuration});
+    EXPECT_EQ(check.exitCode, 0);
+    EXPECT_EQ(check.output, "Nothing is wrong.\n");
+    EXPECT_EQ(GetNames(Ask({"plan", "--no-load", settings, configuration})),
+              "Alarms Simulator LevelController Resources@Control Resources Resources@Plant");
 }
 
 TEST_F(PlanTest, ShowsWhatItKnowsOfAPlanThatWouldFail)
