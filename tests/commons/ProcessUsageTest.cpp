@@ -1,3 +1,4 @@
+#include "Emulation.hpp"
 #include "StartedProcess.hpp"
 
 #include <Vela/System/Commons/Runtime/ProcessUsage.hpp>
@@ -11,40 +12,51 @@
 
 using namespace Vela::System::Commons::Runtime;
 using namespace std::chrono_literals;
+using Vela::Testing::StartedProcess;
 
-TEST(ProcessUsage, FollowsMemoryThreadsAndTime)
+TEST(ProcessUsage, FollowsTheTimeOfAnotherProcess)
+{
+    StartedProcess child("/bin/sh", {"-c", "while :; do :; done"});
+    const auto deadline = std::chrono::steady_clock::now() + StartedProcess::patience;
+    auto usage = ReadProcessUsage(child.GetId());
+    while (usage && usage->userTime + usage->systemTime < 50ms && std::chrono::steady_clock::now() < deadline)
+    {
+        std::this_thread::yield();
+        usage = ReadProcessUsage(child.GetId());
+    }
+    ASSERT_TRUE(usage);
+    EXPECT_GE(usage->userTime + usage->systemTime, 50ms);
+    EXPECT_GE(usage->threads, 1U);
+    EXPECT_GT(usage->residentBytes, 0U);
+    EXPECT_NE(std::string("RSD").find(usage->state), std::string::npos) << usage->state;
+}
+
+TEST(ProcessUsage, FollowsOwnMemoryAndThreads)
 {
     const auto before = ReadProcessUsage(::getpid());
     ASSERT_TRUE(before);
-
-    std::vector<char> memory(32U << 20U, 'x');
+    if (Vela::Testing::IsEmulated())
+    {
+        // The emulator answers for the process that it runs, with hardly any figure.
+        return;
+    }
+    const std::vector<char> memory(32U << 20U, 'x');
     std::mutex mutex;
     mutex.lock();
     std::thread waiting([&] { const std::lock_guard lock(mutex); });
-    // The figures are of whole ticks: it takes several to be seen.
-    unsigned work = 0;
-    auto after = ReadProcessUsage(::getpid());
-    while (after && after->userTime + after->systemTime < before->userTime + before->systemTime + 50ms)
-    {
-        for (const char byte : memory)
-        {
-            work = work * 31 + static_cast<unsigned char>(byte);
-        }
-        after = ReadProcessUsage(::getpid());
-    }
+    const auto after = ReadProcessUsage(::getpid());
     mutex.unlock();
     waiting.join();
 
-    ASSERT_TRUE(after) << work;
+    ASSERT_TRUE(after);
     EXPECT_EQ(after->threads, before->threads + 1);
     EXPECT_GE(after->residentBytes, before->residentBytes + (24U << 20U));
     EXPECT_LE(after->proportionalBytes, after->residentBytes + (1U << 20U));
-    EXPECT_NE(std::string("RSD").find(after->state), std::string::npos) << after->state;
 }
 
 TEST(ProcessUsage, IsEmptyForAProcessThatIsGone)
 {
-    Vela::Testing::StartedProcess child("/bin/true", {});
+    StartedProcess child("/bin/true", {});
     EXPECT_EQ(child.AwaitEnd(), 0);
     EXPECT_FALSE(ReadProcessUsage(child.GetId()));
     EXPECT_FALSE(ReadProcessUsage(0));

@@ -1,3 +1,4 @@
+#include "Emulation.hpp"
 #include "TestProcess.hpp"
 
 #include <Pm/DiagnosticsServiceImpl.hpp>
@@ -55,9 +56,13 @@ TEST_F(DiagnosticsServiceTest, TellsWhoItIsAndWhatItTakes)
     EXPECT_NE(identity.executable.find("test-process-manager"), String::npos);
 
     const auto resources = service->GetResources();
-    EXPECT_GT(resources.residentBytes, 1'000'000U);
-    EXPECT_GE(resources.threads, 2U);
     EXPECT_EQ(resources.state.size(), 1U);
+    // The emulator answers for the process that it runs, with hardly any figure.
+    if (!IsEmulated())
+    {
+        EXPECT_GT(resources.residentBytes, 1'000'000U);
+        EXPECT_GE(resources.threads, 2U);
+    }
 }
 
 TEST_F(DiagnosticsServiceTest, SetsTheLevelsThatItTells)
