@@ -7,6 +7,7 @@
 
 #include <CapturedLog.hpp>
 #include <TemporaryDirectory.hpp>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -119,7 +120,7 @@ std::vector<String> Mutilate(const String& document)
             const String rest = document.substr(start.size() + piece.size());
             for (const String& replacement : replacements)
             {
-                result.push_back(start + replacement + rest);
+                result.push_back(fmt::format("{}{}{}", start, replacement, rest));
             }
         }
     }
