@@ -19,3 +19,9 @@ install_missing() {
   as_root apt-get update -qq
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
+
+# The mirror of the machine's own Debian release.
+debian_mirror() {
+  apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+    awk -v release="$(. /etc/os-release && echo "$VERSION_CODENAME")" '$2 == release && $3 == "main" { print $1; exit }'
+}
