@@ -72,7 +72,7 @@ protected:
     /// A FIFO at which a component waits until its writer closes it again.
     [[nodiscard]] std::string MakeGate() const
     {
-        const std::string gate = system.directory / "gate";
+        std::string gate = system.directory / "gate";
         mkfifo(gate.c_str(), S_IRUSR | S_IWUSR);
         return gate;
     }

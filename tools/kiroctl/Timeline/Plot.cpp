@@ -211,8 +211,10 @@ private:
             step *= i % 3 == 1 ? 2.5 : 2;
         }
         const double bottom = height - rowHeight - margin;
-        for (double time = 0; time <= total; time += step)
+        const int marks = static_cast<int>(total / step);
+        for (int mark = 0; mark <= marks; ++mark)
         {
+            const double time = step * mark;
             const double x = chartLeft + chartWidth * time / total;
             Add(R"(<line x1="{0:.2f}" y1="{1}" x2="{0:.2f}" y2="{2:.1f}" stroke="#d5d9de" stroke-width="0.6"/>)", x,
                 headHeight, bottom);
