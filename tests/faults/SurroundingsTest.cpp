@@ -194,7 +194,8 @@ TEST_F(SurroundingsTest, ALibraryThatCrashesInItsInitialiserTakesItsProcessAndTh
     StartedProcess main = system.Start();
     EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
     EXPECT_TRUE(main.HasOutput("Library 'Broken' couldn't loaded in process Left.")) << main.GetOutput();
-    EXPECT_NE(system.TakeCrashRecord().find(": failed set-up\n"), std::string::npos);
+    const std::string record = system.TakeCrashRecord();
+    EXPECT_NE(record.find(": failed set-up\n"), std::string::npos) << record;
     EXPECT_EQ(system.FindLeftovers(), "");
 }
 

@@ -21,22 +21,24 @@ using Commons::Diagnostics::CrashRecords;
 namespace
 {
 
-String Describe(const std::vector<Sm::ProcessState>& processes)
+String Describe(const CrashRecords& records, const std::vector<Sm::ProcessState>& processes, std::time_t since)
 {
     String text;
     for (const Sm::ProcessState& process : processes)
     {
-        text += fmt::format("{0}[{1}]: {2}\n", process.name, process.id, process.state);
+        const bool isCrashing = !process.hasExited && !records.FindOf(process.id, since).empty();
+        text += fmt::format("{0}[{1}]: {2}\n", process.name, process.id, isCrashing ? "crashing" : process.state);
     }
     return text;
 }
 
-/// What one of the processes has recorded itself; empty when none has.
+/// What one of the processes has recorded itself; empty when none has. One that crashes takes a while to end: the calls
+/// that fail of it may be first.
 String FindRecord(const CrashRecords& records, const std::vector<Sm::ProcessState>& processes, std::time_t since)
 {
     for (const Sm::ProcessState& process : processes)
     {
-        String name = process.hasExited ? records.FindOf(process.id, since) : String();
+        String name = records.FindOf(process.id, since);
         if (!name.empty())
         {
             return name;
@@ -69,7 +71,7 @@ void FailureRecord::Write(const String& processName, const String& reason, const
         }
         fields.insert(fields.end(), {{"phase", phase},
                                      {"error", error},
-                                     {"processes", Describe(processes)},
+                                     {"processes", Describe(records, processes, startTime)},
                                      {isFirst ? "log" : "log of " + processName, CrashRecords::GetRecentMessages()}});
         std::erase_if(fields, [](const auto& field) { return field.second.empty(); });
         if (isFirst)
