@@ -354,11 +354,11 @@ bool LeavesRecord(const FaultCell& cell, Outcome outcome)
         break;
     }
 #ifdef VELA_SANITIZED
-    const bool crashes = false;
+    constexpr bool isRecorded = false;
 #else
-    const bool crashes = cell.fault == Fault::Crash || cell.IsFatalThrow();
+    constexpr bool isRecorded = true;
 #endif
-    return crashes;
+    return isRecorded && (cell.fault == Fault::Crash || cell.IsFatalThrow());
 }
 
 } // namespace
