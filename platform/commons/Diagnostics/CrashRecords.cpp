@@ -192,7 +192,7 @@ String CrashRecords::GetRecentMessages()
     const UniqueFd file(::memfd_create("messages", MFD_CLOEXEC));
     PlainWriter writer;
     writer.AddTarget(file.Get());
-    LogRegistry::GetInstance().GetRecentMessages().Write(writer, "");
+    LogRegistry::GetInstance().WriteRecentMessages(writer);
     ::lseek(file.Get(), 0, SEEK_SET);
     return ReadAll(file.Get());
 }

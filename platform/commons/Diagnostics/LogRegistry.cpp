@@ -165,6 +165,12 @@ void LogRegistry::Flush() noexcept
     }
 }
 
+void LogRegistry::WriteRecentMessages(PlainWriter& writer) const
+{
+    const std::lock_guard lock(mutex);
+    recent.Write(writer, "");
+}
+
 std::shared_ptr<LogManagerData> LogRegistry::GetData() const
 {
     const std::lock_guard lock(mutex);

@@ -33,7 +33,10 @@ public:
     /// Waits for messages that other threads are writing.
     void Flush() noexcept;
 
-    /// Without a lock: for a process that crashes or fails.
+    /// Writes the last messages as a crash record shows them.
+    void WriteRecentMessages(PlainWriter& writer) const;
+
+    /// Without a lock: for a process that crashes.
     [[nodiscard]] const LogRing& GetRecentMessages() const noexcept
     {
         return recent;

@@ -152,13 +152,14 @@ bool LookAt(pid_t thread, Clock::duration limit)
     info.si_uid = ::getuid();
     info.si_value.sival_int = static_cast<int>(number);
     const bool isSent = ::syscall(SYS_rt_tgsigqueueinfo, ::getpid(), thread, GetSignal(), &info) == 0;
-    if (isSent && AwaitDone(limit))
+    bool isDone = isSent && AwaitDone(limit);
+    if (!isDone)
     {
-        return true;
+        unsigned expected = MakeState(number, Requested);
+        // It may have begun in the last moment; then it is nearly through.
+        isDone = !look.state.compare_exchange_strong(expected, MakeState(number, Idle)) && AwaitDone(timeForOne);
     }
-    unsigned expected = MakeState(number, Requested);
-    // It may have begun in the last moment; then it is nearly through.
-    return !look.state.compare_exchange_strong(expected, MakeState(number, Idle)) && AwaitDone(timeForOne);
+    return isDone && look.state.load() == MakeState(number, Done);
 }
 
 String ReadName(pid_t thread)

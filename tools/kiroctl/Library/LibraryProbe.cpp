@@ -3,6 +3,9 @@
 #include "Helper/HelperProcess.hpp"
 
 #include <Pm/SharedLibraryLoader.hpp>
+#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/Io/File.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Kiro/ComponentCategory.hpp>
 #include <Vela/System/Kiro/ComponentFactory.hpp>
 #include <Vela/System/Kiro/IApplication.hpp>
@@ -20,12 +23,16 @@ namespace
 {
 
 namespace Kiro = System::Kiro;
+namespace Io = System::Commons::Io;
 using Kiro::Internal::Pm::SharedLibraryLoader;
 
 /// Wherever a library would look for the framework: in a process of the runtime it is there already.
 Kiro::Internal::Pm::LoadedLibrary Load(const String& path)
 {
-    if (::dlopen(KIRO_LIBRARY, RTLD_LAZY | RTLD_LOCAL) == nullptr)
+    // By its path, since not the tool but a sanitizer may be who asks the loader.
+    const String directory = Io::Path::GetDirectoryName(System::Commons::Environment::GetExecutablePath());
+    const String own = Io::Path::Combine(Io::Path::Combine(directory, "../lib"), KIRO_LIBRARY);
+    if (::dlopen(Io::File::Exists(own) ? own.c_str() : KIRO_LIBRARY, RTLD_LAZY | RTLD_LOCAL) == nullptr)
     {
         throw std::runtime_error(::dlerror());
     }
