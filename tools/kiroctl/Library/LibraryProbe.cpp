@@ -26,13 +26,19 @@ namespace Kiro = System::Kiro;
 namespace Io = System::Commons::Io;
 using Kiro::Internal::Pm::SharedLibraryLoader;
 
+/// Opens a shared object as the executable of a process finds it. The path to its own libraries is said, since not the
+/// tool but a sanitizer may be who asks the loader, and that knows no way to them.
+bool Open(const String& name)
+{
+    const String directory = Io::Path::GetDirectoryName(System::Commons::Environment::GetExecutablePath());
+    const String own = Io::Path::Combine(Io::Path::Combine(directory, "../lib"), name);
+    return ::dlopen(Io::File::Exists(own) ? own.c_str() : name.c_str(), RTLD_LAZY | RTLD_LOCAL) != nullptr;
+}
+
 /// Wherever a library would look for the framework: in a process of the runtime it is there already.
 Kiro::Internal::Pm::LoadedLibrary Load(const String& path)
 {
-    // By its path, since not the tool but a sanitizer may be who asks the loader.
-    const String directory = Io::Path::GetDirectoryName(System::Commons::Environment::GetExecutablePath());
-    const String own = Io::Path::Combine(Io::Path::Combine(directory, "../lib"), KIRO_LIBRARY);
-    if (::dlopen(Io::File::Exists(own) ? own.c_str() : KIRO_LIBRARY, RTLD_LAZY | RTLD_LOCAL) == nullptr)
+    if (!Open(KIRO_LIBRARY))
     {
         throw std::runtime_error(::dlerror());
     }
@@ -114,7 +120,7 @@ bool CanOpen(const String& origin, const String& runPath, const String& name)
         }
         begin = end + 1;
     }
-    return ::dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL) != nullptr;
+    return Open(name);
 }
 
 } // namespace
