@@ -198,8 +198,8 @@ void ProcessesController::LoadLibraries()
             {
                 const bool isLoaded = slowCalls.Watched(
                     "LoadLibrary", "library", name, processName,
-                    [&]
-                    { return service->LoadLibrary(Rsc::RscString<512>(name), Rsc::RscString<512>(library->path)); });
+                    [&service, &loaded = name, &path = library->path]
+                    { return service->LoadLibrary(Rsc::RscString<512>(loaded), Rsc::RscString<512>(path)); });
                 if (!isLoaded)
                 {
                     throw Exception("Library '{0}' couldn't loaded in process {1}.", name, processName);
@@ -230,7 +230,8 @@ void ProcessesController::UnloadLibraries()
             try
             {
                 slowCalls.Watched("UnloadLibrary", "library", name, processName,
-                                  [&] { service->UnloadLibrary(Rsc::RscString<512>(name)); });
+                                  [&service, &unloaded = name]
+                                  { service->UnloadLibrary(Rsc::RscString<512>(unloaded)); });
                 log.Info("Library '{0}' in process '{1}' unloaded.", name, processName);
             }
             catch (...)

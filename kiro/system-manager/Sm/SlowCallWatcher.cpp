@@ -46,8 +46,8 @@ void SlowCallWatcher::Watch::Fail() noexcept
     outcome = StepJournal::Outcome::Failed;
     if (watcher.journal != nullptr)
     {
-        const auto& call = watcher.call;
-        watcher.journal->NoteFailure(call.step, *call.name, *call.process, CaughtException::Current().GetText());
+        const auto& failed = watcher.call;
+        watcher.journal->NoteFailure(failed.step, *failed.name, *failed.process, CaughtException::Current().GetText());
     }
 }
 

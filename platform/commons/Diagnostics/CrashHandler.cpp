@@ -283,7 +283,7 @@ AlternateSignalStack::AlternateSignalStack() noexcept
     {
         return;
     }
-    constexpr std::size_t needed = 32U * 1024;
+    constexpr std::size_t needed = std::size_t{32} * 1024;
     const long smallest = ::sysconf(_SC_MINSIGSTKSZ);
     size = needed + (smallest > 0 ? static_cast<std::size_t>(smallest) : 0);
     memory =

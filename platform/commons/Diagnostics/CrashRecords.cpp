@@ -26,7 +26,7 @@ namespace
 {
 
 /// Far more than any record has; what somebody else has put there is cut.
-constexpr std::size_t mostBytes = 256U * 1024;
+constexpr std::size_t mostBytes = std::size_t{256} * 1024;
 
 void WriteFields(int file, const CrashRecords::Fields& fields)
 {
@@ -74,7 +74,7 @@ String ReadAll(int file)
 
 } // namespace
 
-CrashRecords::CrashRecords(String runtimeDirectory)
+CrashRecords::CrashRecords(const String& runtimeDirectory)
     : directory(Io::Path::Combine(runtimeDirectory, directoryName))
 {
 }
@@ -151,7 +151,7 @@ String CrashRecords::Begin(const Fields& fields) const
     ::clock_gettime(CLOCK_REALTIME, &now);
     PlainWriter writer;
     writer.Time(now.tv_sec, true).Text("-").Number(static_cast<std::uint64_t>(::getpid())).Text(fileNameEnd);
-    const String name = writer.GetLine();
+    String name = writer.GetLine();
     const UniqueFd file(
         ::open(GetPath(name).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!file.IsValid())

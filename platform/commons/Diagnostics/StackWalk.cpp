@@ -26,6 +26,7 @@ std::uintptr_t GetProgramCounter(const Registers& registers) noexcept
 /// Where the first instruction of a function would return to.
 std::uintptr_t GetCaller(const Registers& registers) noexcept
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): registers are numbers.
     return *reinterpret_cast<const std::uintptr_t*>(registers.gregs[REG_RSP]);
 }
 #elif defined(__aarch64__)

@@ -189,6 +189,7 @@ String DescribeFrame(std::uintptr_t address, bool isInterrupted)
 {
     Dl_info found{};
     // Where a call returns to may be the first instruction of the next function.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): what a stack holds are numbers.
     const auto* inside = reinterpret_cast<const void*>(address - (isInterrupted ? 0 : 1));
     if (::dladdr(inside, &found) == 0 || found.dli_fname == nullptr)
     {

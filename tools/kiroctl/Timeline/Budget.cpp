@@ -39,7 +39,7 @@ Times ReadLimits(const Json& values, const std::string& file, const std::string&
         {
             throw CommandError(ExitCode::NotFound, "Budget '{}': there is no phase '{}' in a start.", file, phase);
         }
-        limits[phase] = ReadLimit(value, file, name + "." + phase);
+        limits[phase] = ReadLimit(value, file, fmt::format("{}.{}", name, phase));
     }
     return limits;
 }

@@ -29,7 +29,7 @@ public:
 
     using Fields = std::vector<std::pair<String, String>>;
 
-    explicit CrashRecords(String runtimeDirectory);
+    explicit CrashRecords(const String& runtimeDirectory);
 
     /// The names of the records, oldest first; none when there is no directory.
     [[nodiscard]] std::vector<String> List() const;
