@@ -112,7 +112,7 @@ void HostedComponent::Run(LifecycleStep step)
     {
         if (undoingStep == step)
         {
-            std::erase_if(stepsTaken, [&](LifecycleStep taken) { return undone.contains(taken); });
+            std::erase_if(stepsTaken, [&steps = undone](LifecycleStep taken) { return steps.contains(taken); });
         }
     }
     try

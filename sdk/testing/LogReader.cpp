@@ -15,8 +15,6 @@
 namespace Vela::System::Kiro::Testing
 {
 
-using Commons::Diagnostics::LogLevel;
-
 namespace
 {
 

@@ -270,7 +270,7 @@ private:
         const Json& component = *chip.component;
         const auto found = libraries.find(component.at("library").get<std::string>());
         const std::string colour = found == libraries.end() ? "#9aa5b1" : found->second.colour;
-        const bool isOff = component.at("enabled") == false || component.at("problem") != "";
+        const bool isOff = component.at("enabled") == false || HasText(component.at("problem"));
         const double x = processX + padding;
         page.AddBox(x, chip.y, boxWidth - 2 * padding, chipHeight, 5,
                     {.fill = "#ffffff", .stroke = colour, .strokeWidth = 1.4, .isDashed = isOff},

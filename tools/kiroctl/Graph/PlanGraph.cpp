@@ -58,7 +58,7 @@ Json ListGraph(const Json& plan)
     {
         nodes.push_back({{"kind", "component"}, {"name", component.at("name")}, {"type", component.at("type")}});
         edges.push_back({{"kind", "runs"}, {"from", component.at("process")}, {"to", component.at("name")}});
-        if (component.at("library") != "")
+        if (HasText(component.at("library")))
         {
             edges.push_back({{"kind", "comesFrom"}, {"from", component.at("name")}, {"to", component.at("library")}});
         }
@@ -107,7 +107,7 @@ std::string WriteDot(const Json& plan)
     }
     for (const Json& component : plan.at("components"))
     {
-        if (component.at("library") != "")
+        if (HasText(component.at("library")))
         {
             text += fmt::format("  {} -> {};\n", Quote("component " + component.at("name").get<std::string>()),
                                 Quote("library " + component.at("library").get<std::string>()));

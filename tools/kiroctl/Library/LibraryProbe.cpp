@@ -114,7 +114,8 @@ bool CanOpen(const String& origin, const String& runPath, const String& name)
                 directory.replace(at, placeholder.size(), origin);
             }
         }
-        if (!directory.empty() && ::dlopen((directory + "/" + name).c_str(), RTLD_LAZY | RTLD_LOCAL) != nullptr)
+        if (!directory.empty() &&
+            ::dlopen(Io::Path::Combine(directory, name).c_str(), RTLD_LAZY | RTLD_LOCAL) != nullptr)
         {
             return true;
         }

@@ -8,4 +8,10 @@ namespace Vela::Kiroctl
 /// Answers keep the order in which they were put together: what matters most comes first.
 using Json = nlohmann::ordered_json;
 
+/// Whether a value is a text that says something.
+inline bool HasText(const Json& value)
+{
+    return value.is_string() && !value.get_ref<const std::string&>().empty();
+}
+
 } // namespace Vela::Kiroctl

@@ -71,11 +71,11 @@ std::string DescribeComponent(const Json& component)
     {
         add("disabled");
     }
-    if (component.at("copyOf") != "")
+    if (HasText(component.at("copyOf")))
     {
         add("copy of " + component.at("copyOf").get<std::string>());
     }
-    if (component.at("problem") != "")
+    if (HasText(component.at("problem")))
     {
         add(component.at("problem"));
     }
@@ -103,7 +103,7 @@ void WriteComponents(Output& output, const Json& plan, bool isStopOrder)
     int number = 0;
     for (const Json& component : components)
     {
-        const bool hasProblem = component.at("problem") != "";
+        const bool hasProblem = HasText(component.at("problem"));
         table.AddRow({std::to_string(++number),
                       component.at("name").get<std::string>(),
                       component.at("process").get<std::string>(),
