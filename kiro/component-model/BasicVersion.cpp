@@ -3,8 +3,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
-#include <regex>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace Vela
@@ -13,25 +16,95 @@ namespace Vela
 namespace
 {
 
-// Backtracking over a long run of digits takes time with the third power of its length.
-constexpr std::size_t maxTextLength = 128;
-
-template <typename Number>
-bool TryReadNumber(const std::ssub_match& group, Number& number)
+/// Where in a text the parts of a version stand.
+struct Parts
 {
-    if (group.length() == 0)
-    {
-        number = 0;
-        return true;
-    }
-    const String digits = group.str();
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return error == std::errc() && end == digits.data() + digits.size();
+    std::string_view name;
+    std::array<std::string_view, 4> numbers;
+    std::string_view suffix;
+};
+
+bool IsBlank(char character)
+{
+    return std::string_view(" \t\n\v\f\r").find(character) != std::string_view::npos;
 }
 
-bool TryMatch(const String& text, std::smatch& match, const std::regex& expression)
+bool IsLine(std::string_view text)
 {
-    return text.size() <= maxTextLength && std::regex_match(text, match, expression);
+    return !text.empty() && text.find_first_of("\r\n") == std::string_view::npos;
+}
+
+/// Takes "1.2.3.4 suffix" apart; whatever stands behind the first digits may be left out.
+std::optional<Parts> SplitNumbers(std::string_view text)
+{
+    Parts parts;
+    std::size_t position = 0;
+    for (std::string_view& number : parts.numbers)
+    {
+        if (position > 0 && text.substr(position).starts_with('.'))
+        {
+            ++position;
+        }
+        const std::size_t end = std::min(text.find_first_not_of("0123456789", position), text.size());
+        number = text.substr(position, end - position);
+        position = end;
+    }
+    if (parts.numbers.front().empty())
+    {
+        return std::nullopt;
+    }
+    if (position < text.size())
+    {
+        parts.suffix = text.substr(position + 1);
+        if (!IsBlank(text[position]) || !IsLine(parts.suffix))
+        {
+            return std::nullopt;
+        }
+    }
+    return parts;
+}
+
+/// Takes "name (1.2.3.4 suffix)" apart; the name is as long as it can be.
+std::optional<Parts> SplitNamedNumbers(std::string_view text)
+{
+    if (!text.ends_with(')'))
+    {
+        return std::nullopt;
+    }
+    text.remove_suffix(1);
+    for (std::size_t bracket = text.rfind('('); bracket != std::string_view::npos && bracket > 1;
+         bracket = text.rfind('(', bracket - 1))
+    {
+        auto parts = SplitNumbers(text.substr(bracket + 1));
+        const std::string_view name = text.substr(0, bracket - 1);
+        if (parts && IsBlank(text[bracket - 1]) && IsLine(name))
+        {
+            parts->name = name;
+            return parts;
+        }
+    }
+    return std::nullopt;
+}
+
+template <typename Number>
+bool TryReadNumber(std::string_view digits, Number& number)
+{
+    return digits.empty() || std::from_chars(digits.begin(), digits.end(), number).ec == std::errc();
+}
+
+bool TryRead(const std::optional<Parts>& parts, BasicVersion& result)
+{
+    std::uint8_t major = 0;
+    std::uint8_t minor = 0;
+    std::uint8_t patch = 0;
+    std::uint32_t build = 0;
+    if (!parts || !TryReadNumber(parts->numbers[0], major) || !TryReadNumber(parts->numbers[1], minor) ||
+        !TryReadNumber(parts->numbers[2], patch) || !TryReadNumber(parts->numbers[3], build))
+    {
+        return false;
+    }
+    result = BasicVersion(String(parts->name), major, minor, patch, build, String(parts->suffix));
+    return true;
 }
 
 } // namespace
@@ -95,7 +168,7 @@ String BasicVersion::ToString() const
 
 bool BasicVersion::TryParse(const String& text, BasicVersion& result)
 {
-    return TryParseFullVersion(text, result) || TryParseInternalVersion(text, result);
+    return TryRead(SplitNamedNumbers(text), result) || TryRead(SplitNumbers(text), result);
 }
 
 BasicVersion BasicVersion::Parse(const String& text)
@@ -106,39 +179,6 @@ BasicVersion BasicVersion::Parse(const String& text)
         throw Exception("Invalid format of version string: {0}", text);
     }
     return result;
-}
-
-template <typename Match>
-bool BasicVersion::TryReadNumbers(const Match& match, std::size_t group, BasicVersion& result)
-{
-    BasicVersion version;
-    if (!TryReadNumber(match[group], version.major) || !TryReadNumber(match[group + 1], version.minor) ||
-        !TryReadNumber(match[group + 2], version.patch) || !TryReadNumber(match[group + 3], version.build))
-    {
-        return false;
-    }
-    version.suffix = match[group + 4];
-    result = std::move(version);
-    return true;
-}
-
-bool BasicVersion::TryParseFullVersion(const String& text, BasicVersion& result)
-{
-    static const std::regex expression(R"((.+)(?:\s\()(?:(\d+)(?:\.)?(\d*)(?:\.)?(\d*)(?:\.)?(\d*)(?:\s(.+))?)(?:\)))");
-    std::smatch match;
-    if (!TryMatch(text, match, expression) || !TryReadNumbers(match, 2, result))
-    {
-        return false;
-    }
-    result.name = match[1];
-    return true;
-}
-
-bool BasicVersion::TryParseInternalVersion(const String& text, BasicVersion& result)
-{
-    static const std::regex expression(R"((\d+)(?:\.)?(\d*)(?:\.)?(\d*)(?:\.)?(\d*)(?:\s(.+))?)");
-    std::smatch match;
-    return TryMatch(text, match, expression) && TryReadNumbers(match, 1, result);
 }
 
 } // namespace Vela

@@ -9,7 +9,7 @@
 
 #include <Contract/LibraryNote.hpp>
 
-#include <regex>
+#include <string_view>
 
 namespace Vela::System::Kiro::Internal::Pm
 {
@@ -20,10 +20,21 @@ using Commons::Runtime::SharedLibrary;
 namespace
 {
 
+/// "Pumps.dll", "libPumps.dll", "Pumps.so" and "libPumps.so" all mean "libPumps.so".
 String GetLinuxFileName(const String& fileName)
 {
-    static const std::regex expression(R"(^(lib)?(.*)(\.so|\.dll)$)");
-    return std::regex_replace(fileName, expression, "lib$2.so");
+    constexpr std::string_view prefix = "lib";
+    constexpr std::string_view ending = ".so";
+    for (const std::string_view known : {ending, std::string_view(".dll")})
+    {
+        if (fileName.ends_with(known))
+        {
+            const std::size_t begin = fileName.starts_with(prefix) ? prefix.size() : 0;
+            return fmt::format("{}{}{}", prefix, fileName.substr(begin, fileName.size() - known.size() - begin),
+                               ending);
+        }
+    }
+    return fileName;
 }
 
 ILibrary* CallEntry(const SharedLibrary& sharedLibrary, const String& probedPath)

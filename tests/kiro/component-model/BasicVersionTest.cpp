@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <regex>
+#include <string_view>
+
 using namespace Vela;
 
 namespace
@@ -31,11 +35,16 @@ const Parsed parsedTexts[] = {
     {"0001.2.3.4", {1, 2, 3, 4}, "1.2.3.4"},
 };
 
-const String refusedTexts[] = {"abc", "", "1.2.3.4.5", "-1.2", " 1.2", "1.2.3.4beta", "Release (x)", "Release(1.2.3.4)",
+const char* const refusedTexts[] = {"abc", "", "1.2.3.4.5", "-1.2", " 1.2", "1.2.3.4beta", "Release (x)", "Release(1.2.3.4)",
                                // Numbers above their field.
-                               "256.0.0.0", "1.256", "1.2.256", "1.2.3.4294967296", "Release (1.300)",
-                               // A text that would keep the expression busy for hours.
-                               String(100000, '1') + "x"};
+                               "256.0.0.0", "1.256", "1.2.256", "1.2.3.4294967296", "Release (1.300)"};
+
+void ExpectRefused(const String& text)
+{
+    BasicVersion result(9, 8, 7, 6);
+    EXPECT_FALSE(BasicVersion::TryParse(text, result)) << text;
+    EXPECT_EQ(result, BasicVersion(9, 8, 7, 6)) << text;
+}
 
 } // namespace
 
@@ -52,12 +61,11 @@ TEST(BasicVersion, ReadsAndWritesItsTextForms)
 
 TEST(BasicVersion, RefusesOtherTextsAndLeavesTheResultAlone)
 {
-    for (const String& text : refusedTexts)
+    for (const char* text : refusedTexts)
     {
-        BasicVersion result(9, 8, 7, 6);
-        EXPECT_FALSE(BasicVersion::TryParse(text, result)) << text;
-        EXPECT_EQ(result, BasicVersion(9, 8, 7, 6)) << text;
+        ExpectRefused(text);
     }
+    ExpectRefused(String(100000, '1') + "x");
     try
     {
         BasicVersion::Parse("abc");
@@ -66,6 +74,46 @@ TEST(BasicVersion, RefusesOtherTextsAndLeavesTheResultAlone)
     catch (const Exception& exception)
     {
         EXPECT_EQ(exception.GetMessage(), "Invalid format of version string: abc");
+    }
+}
+
+/// All short texts of the characters that mean something, beside the expressions that define the two forms.
+TEST(BasicVersion, ReadsWhatTheExpressionsMatch)
+{
+    const std::regex numbers(R"((\d+)\.?(\d*)\.?(\d*)\.?(\d*)(?:\s(.+))?)");
+    const std::regex named(R"((.+)\s\((\d+)\.?(\d*)\.?(\d*)\.?(\d*)(?:\s(.+))?\))");
+    constexpr std::string_view characters = "1. ()\n";
+    const auto number = [](const std::ssub_match& digits)
+    {
+        return static_cast<std::uint8_t>(digits.length() == 0 ? 0 : std::stoi(digits.str()));
+    };
+    for (unsigned seed = 0; seed < 20'000; ++seed)
+    {
+        String text;
+        for (unsigned rest = seed; rest > 0; rest /= 6)
+        {
+            text += characters[rest % 6];
+        }
+        text = "1 (1" + text + ")";
+        if (text.find("1111") != String::npos)
+        {
+            // Fits no number but the last.
+            continue;
+        }
+        std::smatch match;
+        std::optional<BasicVersion> expected;
+        if (std::regex_match(text, match, named))
+        {
+            expected.emplace(match[1], number(match[2]), number(match[3]), number(match[4]), number(match[5]),
+                             match[6]);
+        }
+        else if (std::regex_match(text, match, numbers))
+        {
+            expected.emplace(number(match[1]), number(match[2]), number(match[3]), number(match[4]), match[5]);
+        }
+        BasicVersion result;
+        ASSERT_EQ(BasicVersion::TryParse(text, result), expected.has_value()) << text;
+        ASSERT_EQ(result, expected.value_or(BasicVersion())) << text << " was read as " << result.ToString();
     }
 }
 

@@ -3,7 +3,6 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Kiro/Api.hpp>
 
-#include <cstddef>
 #include <cstdint>
 
 namespace Vela
@@ -33,8 +32,8 @@ public:
     /// "1.2.3.4".
     [[nodiscard]] String ToString() const;
 
-    /// Reads either text form; numbers left out are 0. Answers false, leaving `result` alone, for any other text, for
-    /// a number that does not fit its field and for a text of more than 128 bytes.
+    /// Reads either text form; numbers left out are 0. Answers false, leaving `result` alone, for any other text and
+    /// for a number that does not fit its field.
     static bool TryParse(const String& text, BasicVersion& result);
     /// @throws Exception where TryParse answers false
     static BasicVersion Parse(const String& text);
@@ -42,11 +41,6 @@ public:
     bool operator==(const BasicVersion& other) const = default;
 
 private:
-    static bool TryParseFullVersion(const String& text, BasicVersion& result);
-    static bool TryParseInternalVersion(const String& text, BasicVersion& result);
-    template <typename Match>
-    static bool TryReadNumbers(const Match& match, std::size_t group, BasicVersion& result);
-
     String name;
     std::uint8_t major = 0;
     std::uint8_t minor = 0;
