@@ -76,6 +76,11 @@ String RscManager::FindRuntimeDirectory(bool isForSystem)
     return RuntimeDirectory(isForSystem ? RuntimeDirectory::Use::Share : RuntimeDirectory::Use::Look).GetPath();
 }
 
+pid_t RscManager::FindMainProcess()
+{
+    return SystemLock::FindHolder(RuntimeDirectory(RuntimeDirectory::Use::Look));
+}
+
 void RscManager::AssignAppDomain(AppDomain& appDomain)
 {
     // One application domain serves all libraries of the platform.

@@ -43,9 +43,10 @@ TEST_F(ConnectionToPeer, GivesUpACallAfterItsDeadlineAndNeverOneWithout)
     service->Release();
 }
 
-TEST_F(ConnectionToPeer, ServesCallsWithoutDeadlineOnOneThread)
+TEST_F(ConnectionToPeer, ServesCallsThatAskForItOnOneThread)
 {
     Open();
+    PublishOwn();
     StartPeer("Peer");
     const auto service = GetService("Peer");
     const auto thread = service->GetThread();
@@ -54,7 +55,7 @@ TEST_F(ConnectionToPeer, ServesCallsWithoutDeadlineOnOneThread)
                             {
                                 for (int i = 0; i < 100; ++i)
                                 {
-                                    service->Nothing();
+                                    service->Nest(ownName, 1);
                                 }
                             });
     for (int i = 0; i < 100; ++i)

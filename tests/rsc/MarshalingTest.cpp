@@ -173,7 +173,7 @@ TEST(RscString, HoldsTextsShorterThanItsSize)
     EXPECT_EQ(RscString<4>("abc").ToString(), "abc");
     EXPECT_EQ(RscString<4>(String("a\0b", 3)).ToString(), String("a\0b", 3));
     EXPECT_EQ(GetThrownMessage<ArgumentException>([] { RscString<4>("abcd"); }),
-              "Input string is too long (argument 'arg')");
+              "Input string is too long (argument 'arg': 'abcd')");
 }
 
 TEST(RscVariant, HoldsAScalarOrAText)

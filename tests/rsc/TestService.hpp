@@ -134,7 +134,7 @@ struct OperationTable<Testing::ITestService>
         Operation<5, &ITestService::Split>("Split"), Operation<6, &ITestService::Describe>("Describe"),
         Operation<7, &ITestService::Fail>("Fail"), Operation<8, &ITestService::Nest>("Nest", noDeadline),
         Operation<9, &ITestService::Wait>("Wait"), Operation<10, &ITestService::Release>("Release"),
-        Operation<11, &ITestService::Many>("Many"), Operation<12, &ITestService::GetThread>("GetThread", noDeadline),
+        Operation<11, &ITestService::Many>("Many"), Operation<12, &ITestService::GetThread>("GetThread", onOneThread),
         Operation<13, &ITestService::Linger>("Linger", noDeadline), Operation<14, &ITestService::Reflect>("Reflect"));
 };
 

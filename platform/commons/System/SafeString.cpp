@@ -3,6 +3,7 @@
 
 extern "C"
 {
+#include <safe_mem_lib.h>
 #include <safe_str_lib.h>
 }
 
@@ -34,16 +35,19 @@ const struct ConstraintHandlerInstaller
 void SafeString::InstallConstraintHandler()
 {
     set_str_constraint_handler_s(&RememberFailure);
+    set_mem_constraint_handler_s(&RememberFailure);
 }
 
-void SafeString::Copy(char* target, std::size_t capacity, const String& text)
+void SafeString::Copy(char* target, std::size_t capacity, std::string_view text)
 {
     lastFailure = EOK;
-    const errno_t result = strncpy_s(target, capacity, text.c_str(), text.size());
+    // One byte is kept for the end.
+    const errno_t result = capacity > text.size() ? memcpy_s(target, capacity - 1, text.data(), text.size()) : ESNOSPC;
     if (result != EOK || lastFailure != EOK)
     {
-        throw ArgumentException::ForParameter("arg", "Input string is too long");
+        throw ArgumentException::ForParameter("arg", text, "Input string is too long");
     }
+    target[text.size()] = '\0';
 }
 
 } // namespace Vela::System::Commons

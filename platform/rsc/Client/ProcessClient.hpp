@@ -16,8 +16,7 @@ namespace Vela::System::Rsc
 
 /// The way to one run of another process: a pool of connections, one per call in progress. Thread-safe.
 ///
-/// Calls without a deadline are those that drive components: they have a connection of their own, and so one thread of
-/// the other process serves them all, unless one is made while another is in progress.
+/// Calls that one thread of the other process is to serve have a connection of their own.
 class ProcessClient final : public RscClient, public std::enable_shared_from_this<ProcessClient>
 {
 public:

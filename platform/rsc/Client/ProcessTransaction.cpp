@@ -18,7 +18,7 @@ ProcessTransaction::ProcessTransaction(std::shared_ptr<ProcessClient> processCli
 {
     try
     {
-        taken = client->Take(call.operation.deadline == CallDeadline::None);
+        taken = client->Take(call.operation.deadline == CallDeadline::NoneOnOneThread);
     }
     catch (const RscException& exception)
     {
@@ -58,7 +58,7 @@ RemotingReader& ProcessTransaction::BeginServiceInvocationResponse()
     std::optional<Failure> failure;
     try
     {
-        const auto timeout = call.operation.deadline == CallDeadline::None ? 0ms : client->GetOptions().callTimeout;
+        const auto timeout = call.operation.deadline == CallDeadline::Default ? client->GetOptions().callTimeout : 0ms;
         const Frame frame = taken.connection->channel->ReceiveOwed(FrameKind::Response, taken.connection->lastRequest,
                                                                    client->GetOptions().maxResponseSize, timeout);
         reader.emplace(frame.payload);

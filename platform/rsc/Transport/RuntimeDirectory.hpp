@@ -88,6 +88,9 @@ public:
     SystemLock& operator=(const SystemLock&) = delete;
     ~SystemLock();
 
+    /// The process that holds the lock, or was killed while it did; 0 when nobody has left a trace.
+    [[nodiscard]] static pid_t FindHolder(const RuntimeDirectory& runtimeDirectory);
+
 private:
     const RuntimeDirectory& directory;
     Commons::UniqueFd file;

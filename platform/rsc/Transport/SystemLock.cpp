@@ -11,8 +11,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 
 namespace Vela::System::Rsc
 {
@@ -22,11 +24,14 @@ using Commons::ThrowSystemError;
 namespace
 {
 
-String ReadHolder(int file)
+/// 0 when it is not written yet.
+pid_t ReadHolder(int file)
 {
     std::array<char, 32> text{};
-    const auto length = ::pread(file, text.data(), text.size() - 1, 0);
-    return length > 0 ? String(text.data()) : String("unknown");
+    const auto length = ::pread(file, text.data(), text.size(), 0);
+    pid_t holder = 0;
+    std::from_chars(text.data(), text.data() + std::max<ssize_t>(length, 0), holder);
+    return holder;
 }
 
 /// Whether the locked file is the one that stands in the directory: the previous holder may have removed it meanwhile.
@@ -73,6 +78,13 @@ SystemLock::SystemLock(const RuntimeDirectory& runtimeDirectory)
     {
         ThrowSystemError(fmt::format("Cannot write the lock of runtime directory '{}'", directory.GetPath()));
     }
+}
+
+pid_t SystemLock::FindHolder(const RuntimeDirectory& runtimeDirectory)
+{
+    const Commons::UniqueFd lock(
+        ::openat(runtimeDirectory.GetDescriptor(), lockFileName, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    return lock.IsValid() ? ReadHolder(lock.Get()) : 0;
 }
 
 SystemLock::~SystemLock()

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <Vela/String.hpp>
 #include <Vela/System/Commons/Api.hpp>
 
 #include <cstddef>
+#include <string_view>
 
 namespace Vela::System::Commons
 {
@@ -16,9 +16,11 @@ public:
     /// exception; happens by itself when the library is loaded, and may be repeated.
     static void InstallConstraintHandler();
 
-    /// Copies a text with its terminating NUL into a buffer of `capacity` bytes.
-    /// @throws ArgumentException "Input string is too long" (argument "arg") when the length reaches the capacity
-    static void Copy(char* target, std::size_t capacity, const String& text);
+    /// Copies a text, and NULs that it holds with it, into a buffer of `capacity` bytes, and puts a terminating NUL
+    /// behind it.
+    /// @throws ArgumentException "Input string is too long" (argument "arg", the text) when its length reaches the
+    ///         capacity
+    static void Copy(char* target, std::size_t capacity, std::string_view text);
 };
 
 } // namespace Vela::System::Commons

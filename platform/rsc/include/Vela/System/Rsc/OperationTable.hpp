@@ -15,10 +15,15 @@ enum class CallDeadline : std::uint8_t
 {
     Default,
     None,
+    /// None either, and one thread of the other process serves all such calls, unless one is made while another is in
+    /// progress.
+    NoneOnOneThread,
 };
 
 /// For operations that run component code and may take as long as that takes.
 inline constexpr CallDeadline noDeadline = CallDeadline::None;
+/// For those that must come one after the other on the same thread, too.
+inline constexpr CallDeadline onOneThread = CallDeadline::NoneOnOneThread;
 
 /// One row of an operation table.
 template <std::uint16_t Number, auto Method>

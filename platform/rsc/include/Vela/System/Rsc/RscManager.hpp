@@ -5,6 +5,8 @@
 #include <Vela/System/Rsc/Api.hpp>
 #include <Vela/System/Rsc/RscManagerOptions.hpp>
 
+#include <sys/types.h>
+
 #include <memory>
 
 namespace Vela::System::Rsc
@@ -49,6 +51,10 @@ public:
     /// @param isForSystem  true: it is made when it is missing, and must be this user's; false: it must be there
     /// @throws InvalidOperationException when others could write into it; Exception when it cannot be made or opened
     static String FindRuntimeDirectory(bool isForSystem);
+    /// The id of the process that was the last to have that runtime directory for its system: of one that lives, also
+    /// when it does not answer, or of one that was killed. 0 without one, or when this user must not know.
+    /// @throws as FindRuntimeDirectory with false
+    static pid_t FindMainProcess();
     /// Called by component libraries, so that they publish into the host's remoting.
     static void AssignAppDomain(AppDomain& appDomain);
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <Vela/Exceptions.hpp>
 #include <Vela/String.hpp>
+#include <Vela/System/Commons/SafeString.hpp>
 
-#include <algorithm>
 #include <array>
 #include <compare>
 #include <cstddef>
@@ -23,14 +22,10 @@ class RscString
 public:
     RscString() = default;
 
-    /// @throws ArgumentException "Input string is too long" (argument "arg") when its length reaches N
+    /// @throws ArgumentException "Input string is too long" (argument "arg", the text) when its length reaches N
     RscString(std::string_view arg)
     {
-        if (arg.size() >= N)
-        {
-            throw ArgumentException::ForParameter("arg", "Input string is too long");
-        }
-        std::copy(arg.begin(), arg.end(), buffer.begin());
+        Commons::SafeString::Copy(buffer.data(), N, arg);
         length = static_cast<std::uint32_t>(arg.size());
     }
 
