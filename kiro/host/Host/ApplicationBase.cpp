@@ -1,6 +1,5 @@
 #include <Host/ApplicationData.hpp>
 #include <Host/GuardedSteps.hpp>
-#include <Host/ParentProcess.hpp>
 #include <Sm/KiroSecurityNotifications.hpp>
 #include <Sm/SystemManager.hpp>
 #include <Sm/TimelineDocument.hpp>
@@ -104,7 +103,7 @@ bool ApplicationBase::Dispose()
 void ApplicationBase::RecordFailure(const String& error) const
 {
     // A child that has lost its parent in the middle of its start has failed at nothing itself.
-    if (FindEndedParent())
+    if (data->parent.FindEnded())
     {
         return;
     }

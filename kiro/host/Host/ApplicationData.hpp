@@ -3,6 +3,7 @@
 #include <Host/CommandLine.hpp>
 #include <Host/DefaultLibraryManager.hpp>
 #include <Host/FailureRecord.hpp>
+#include <Host/ParentProcess.hpp>
 #include <Host/ProcessorBinding.hpp>
 #include <Host/ShutdownRequest.hpp>
 #include <Host/Supervision.hpp>
@@ -56,6 +57,7 @@ struct ApplicationData
     const bool areSettingsEnabled;
     String settingsPath;
     CommandLine commandLine;
+    ParentProcess parent;
     std::int32_t localTcpPort = 0;
     bool isDebugBreak = false;
     bool singleProcess = false;

@@ -2,7 +2,6 @@
 
 #include <Host/ApplicationData.hpp>
 #include <Host/DebugBreak.hpp>
-#include <Host/ParentProcess.hpp>
 #include <Settings/KiroSettingsLoader.hpp>
 #include <Vela/AppDomain.hpp>
 #include <Vela/AppDomainSingleton.hpp>
@@ -14,6 +13,7 @@
 #include <Vela/System/Commons/Io/File.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Kiro/Internal/ApplicationBase.hpp>
+#include <Vela/System/Kiro/Internal/MainApplicationBase.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/VelaVersion.hpp>
 
@@ -68,7 +68,7 @@ void ApplicationBase::SetupBase(LogLevel logLevel, const char* settingsPath)
     {
         log.Info("Debug Break: press any key to continue");
         // A child is not tied to the life of its parent yet.
-        WaitForKeyOrDebugger([this] { return data->shutdown.IsEnding() || FindEndedParent(); });
+        WaitForKeyOrDebugger([this] { return data->shutdown.IsEnding() || data->parent.FindEnded(); });
     }
     log.Info("VelaVersion: {0}", VelaVersion::GetCurrent().ToString());
     log.Debug("Starting application '{0}' in current directory:", GetName());
@@ -95,6 +95,7 @@ void ApplicationBase::ParseCommandLine(int argc, char** argv)
 void ApplicationBase::ProcessCommandline()
 {
     const CommandLine& options = data->commandLine;
+    data->parent.TakeOver(options.Has(MainApplicationBase::startAsChildOptionName));
     if (const auto name = options.Find<String>(applicationOptionName))
     {
         // An empty name stands for an application that has been disposed.
@@ -154,7 +155,7 @@ void ApplicationBase::SetupCommons(LogLevel logLevel)
     data->signalHandler->Setup();
     // Until a derived host takes over, a signal ends the process as soon as it is set up. A child that ended so would
     // make the start of the whole system fail, so there it waits.
-    if (!HasParentProcess())
+    if (!data->parent.IsKnown())
     {
         SetSignalHandler([this](int) { RequestShutdown(); });
     }

@@ -1,6 +1,5 @@
 #include <Host/ApplicationData.hpp>
 #include <Host/GuardedSteps.hpp>
-#include <Host/ParentProcess.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
@@ -14,6 +13,7 @@
 #include <boost/program_options/value_semantic.hpp>
 #include <boost/program_options/variables_map.hpp>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
@@ -116,7 +116,7 @@ void MainApplicationBase::TieLifeToParent()
         throw InvalidOperationException("prctl(PR_SET_PDEATHSIG, SIGKILL) failed for child process");
     }
     // A parent that died before the call sends nothing any more.
-    if (const auto parentId = FindEndedParent())
+    if (const auto parentId = GetData().parent.FindEnded())
     {
         throw InvalidOperationException("The process {0} that started this child process has ended.", *parentId);
     }
@@ -179,10 +179,20 @@ void MainApplicationBase::SetupExceptionHandler() const
 
 void MainApplicationBase::ExceptionHandler() noexcept
 {
-    static std::atomic<bool> isRunning{false};
-    if (isRunning.exchange(true))
+    static std::atomic<pid_t> handlingThread{0};
+    const pid_t thread = gettid();
+    pid_t first = 0;
+    if (!handlingThread.compare_exchange_strong(first, thread))
     {
-        std::abort();
+        if (first == thread)
+        {
+            std::abort();
+        }
+        // The first one's message has its time; it ends the process for this one as well.
+        for (;;)
+        {
+            pause();
+        }
     }
     String message = "Terminate application after ";
     message += CaughtException::Current().Describe("unexpected exception:\r\n{0}", "unknown exception");

@@ -7,17 +7,15 @@
 namespace Vela::System::Kiro::Internal
 {
 
-bool HasParentProcess()
+void ParentProcess::TakeOver(bool isChild)
 {
-    String id;
-    return Commons::Environment::GetVariableValue(Sm::parentProcessIdVariable, id);
+    const String told = Commons::Environment::TakeInheritedVariable(Sm::parentProcessIdVariable);
+    id = isChild ? told : String();
 }
 
-std::optional<String> FindEndedParent()
+std::optional<String> ParentProcess::FindEnded() const
 {
-    String id;
-    const bool isTold = Commons::Environment::GetVariableValue(Sm::parentProcessIdVariable, id);
-    return isTold && id != std::to_string(getppid()) ? std::optional(id) : std::nullopt;
+    return IsKnown() && id != std::to_string(getppid()) ? std::optional(id) : std::nullopt;
 }
 
 } // namespace Vela::System::Kiro::Internal

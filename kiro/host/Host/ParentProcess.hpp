@@ -7,11 +7,25 @@
 namespace Vela::System::Kiro::Internal
 {
 
-/// Whether a main process has started this process as a child.
-bool HasParentProcess();
+/// The main process that has started this process as a child, as far as this one was told.
+class ParentProcess
+{
+public:
+    /// Takes what the parent said out of the environment: programs that this process starts are not its children.
+    /// Whoever is no child was not meant.
+    void TakeOver(bool isChild);
 
-/// The id of the process that started this child, when it has ended. Nothing while it lives, and where nobody told
-/// which one it is: in a main process and in a child that was started by hand.
-std::optional<String> FindEndedParent();
+    /// Whether this process was started by a main process.
+    [[nodiscard]] bool IsKnown() const noexcept
+    {
+        return !id.empty();
+    }
+
+    /// Its id, when it has ended. Nothing while it lives, and when it is not known.
+    [[nodiscard]] std::optional<String> FindEnded() const;
+
+private:
+    String id;
+};
 
 } // namespace Vela::System::Kiro::Internal

@@ -120,6 +120,15 @@ String Environment::GetVariableValueOr(const String& name, const String& fallbac
     return GetVariableValue(name, value) ? value : fallback;
 }
 
+String Environment::TakeInheritedVariable(const char* name)
+{
+    const std::lock_guard lock(GetEnvironmentMutex());
+    const char* inherited = ::getenv(name);
+    String value = inherited == nullptr ? "" : inherited;
+    ::unsetenv(name);
+    return value;
+}
+
 bool Environment::SetVariable(const String& name, const String& value)
 {
     if (!EnvironmentData::CanHold(name, value))

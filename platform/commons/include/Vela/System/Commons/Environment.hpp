@@ -39,6 +39,9 @@ public:
     static bool GetVariableValue(const String& name, String& value);
     /// The variable's value, or `fallback`.
     static String GetVariableValueOr(const String& name, const String& fallback);
+    /// Reads a variable of the process environment alone and takes it out, so that no child process inherits what was
+    /// meant for this process. Empty when there is none.
+    static String TakeInheritedVariable(const char* name);
     /// Sets a variable at run time: its override when it has one, otherwise its default, and the process environment
     /// at once (that alone before Setup). Answers false for what no environment can hold: an empty name, "=" in the
     /// name, a NUL in name or value.
