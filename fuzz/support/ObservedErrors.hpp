@@ -2,8 +2,6 @@
 
 #include <Vela/System/Commons/Diagnostics/LoadObserver.hpp>
 
-#include <algorithm>
-
 namespace Vela::Fuzz
 {
 
@@ -14,11 +12,7 @@ public:
     void OnFinding(System::Commons::Diagnostics::Finding finding) override
     {
         using namespace System::Commons::Diagnostics;
-        hasErrors = hasErrors || std::any_of(findingDescriptions.begin(), findingDescriptions.end(),
-                                             [&](const FindingDescription& description) {
-                                                 return description.code == finding.code &&
-                                                        description.severity == FindingSeverity::Error;
-                                             });
+        hasErrors = hasErrors || Describe(finding.code).severity == FindingSeverity::Error;
     }
 
     [[nodiscard]] bool HasErrors() const noexcept

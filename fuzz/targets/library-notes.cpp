@@ -38,11 +38,12 @@ bool Run(std::string_view input)
     const auto refusal = GetRefusal([&] { note = LibraryNote::Read("libFuzz.so", read); });
     Require(!refusal || refusal->find("libFuzz.so") != refusal->npos, "a refusal names the library");
     Require(reads < 150'000, "a file is read in reasonable time");
-    if (const auto architecture = Architecture::Read(read); architecture && *architecture != Architecture::GetOwn())
-    {
-        Require(refusal && refusal->find(architecture->ToString()) != refusal->npos,
-                "the architecture of a foreign library is named");
-    }
+    const auto architecture = Architecture::Read(read);
+    const auto foreign = GetRefusal([&] { Architecture::RequireOwn("libFuzz.so", read); });
+    Require(foreign.has_value() == (architecture && *architecture != Architecture::GetOwn()),
+            "exactly another architecture is refused");
+    Require(!foreign || foreign->find(architecture->ToString()) != foreign->npos,
+            "the architecture of a foreign library is named");
     if (const auto section = DynamicSection::Read(read))
     {
         Require(reads < 300'000, "what a library needs is read in reasonable time");

@@ -130,6 +130,8 @@ TEST(SafeString, CopiesWhatFitsWithItsEndAndRefusesTheRest)
     EXPECT_STREQ(buffer, "1234567");
     SafeString::Copy(buffer, sizeof(buffer), "");
     EXPECT_STREQ(buffer, "");
+    SafeString::Copy(buffer, sizeof(buffer), std::string_view("a\0b", 3));
+    EXPECT_EQ(std::string_view(buffer, 4), std::string_view("a\0b\0", 4));
     try
     {
         SafeString::Copy(buffer, sizeof(buffer), "12345678");
@@ -137,6 +139,6 @@ TEST(SafeString, CopiesWhatFitsWithItsEndAndRefusesTheRest)
     }
     catch (const ArgumentException& exception)
     {
-        EXPECT_STREQ(exception.what(), "Input string is too long (argument 'arg')");
+        EXPECT_STREQ(exception.what(), "Input string is too long (argument 'arg': '12345678')");
     }
 }

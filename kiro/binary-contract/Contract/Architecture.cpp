@@ -46,6 +46,11 @@ String Architecture::ToString() const
                                                   : "unknown byte order");
 }
 
+bool Architecture::HasOwnByteOrder() const
+{
+    return byteOrder == GetOwn().byteOrder;
+}
+
 std::optional<Architecture> Architecture::Read(const ReadBytes& read)
 {
     // Up to the machine, the header is the same for both word sizes.
@@ -77,6 +82,17 @@ const Architecture& Architecture::GetOwn()
             .value();
     }();
     return own;
+}
+
+void Architecture::RequireOwn(const String& path, const ReadBytes& read)
+{
+    const auto architecture = Read(read);
+    if (architecture && *architecture != GetOwn())
+    {
+        throw InvalidOperationException("Library '{0}' has the wrong architecture: it is made for {1}, this process "
+                                        "for {2}.",
+                                        path, architecture->ToString(), GetOwn().ToString());
+    }
 }
 
 } // namespace Vela::System::Kiro::Internal::Contract

@@ -20,11 +20,15 @@ struct Architecture
     bool operator==(const Architecture&) const = default;
     /// "ARM (32-bit, little-endian)".
     [[nodiscard]] String ToString() const;
+    [[nodiscard]] bool HasOwnByteOrder() const;
 
     /// Nothing when the file is no ELF file.
     static std::optional<Architecture> Read(const ReadBytes& read);
     /// The one of this process.
     static const Architecture& GetOwn();
+    /// @param path  of a library, for the message
+    /// @throws InvalidOperationException when the file is one of machine code, but not for this process
+    static void RequireOwn(const String& path, const ReadBytes& read);
 };
 
 } // namespace Vela::System::Kiro::Internal::Contract

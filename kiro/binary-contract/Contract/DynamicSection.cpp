@@ -1,6 +1,5 @@
-#include <Contract/Architecture.hpp>
 #include <Contract/DynamicSection.hpp>
-#include <link.h>
+#include <Contract/ElfLayout.hpp>
 
 #include <algorithm>
 #include <array>
@@ -12,14 +11,15 @@ namespace Vela::System::Kiro::Internal::Contract
 namespace
 {
 
-using Segment = ElfW(Phdr);
-using Entry = ElfW(Dyn);
-
 /// Far more than any library has.
 constexpr unsigned maxEntries = 4096;
 
+template <typename Layout>
 class Reader
 {
+    using Segment = typename Layout::Segment;
+    using Entry = typename Layout::DynamicEntry;
+
 public:
     explicit Reader(const ReadBytes& readBytes)
         : read(readBytes)
@@ -75,7 +75,7 @@ public:
 private:
     void ReadSegments()
     {
-        const auto header = ReadAt<ElfW(Ehdr)>(read, 0);
+        const auto header = ReadAt<typename Layout::Header>(read, 0);
         const unsigned count = header && header->e_phentsize == sizeof(Segment) ? header->e_phnum : 0;
         for (unsigned i = 0; i < count; ++i)
         {
@@ -145,8 +145,7 @@ private:
 
 std::optional<DynamicSection> DynamicSection::Read(const ReadBytes& read)
 {
-    const auto architecture = Architecture::Read(read);
-    return architecture == Architecture::GetOwn() ? Reader(read).Read() : std::nullopt;
+    return ReadInItsLayout(read, [&]<typename Layout>(Layout) { return Reader<Layout>(read).Read(); });
 }
 
 } // namespace Vela::System::Kiro::Internal::Contract

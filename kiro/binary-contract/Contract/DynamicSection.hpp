@@ -20,8 +20,8 @@ struct DynamicSection
     /// Where they are looked for, separated by colons, with "$ORIGIN" as it is written.
     String runPath;
 
-    /// Reads a file made for this architecture without executing anything of it; it may hold anything.
-    /// @return nothing when the file is none, or has no such section
+    /// Reads a file without executing anything of it; it may hold anything and be made for another processor.
+    /// @return nothing when the file is not one of machine code of this machine's byte order, or has no such section
     static std::optional<DynamicSection> Read(const ReadBytes& read);
 };
 

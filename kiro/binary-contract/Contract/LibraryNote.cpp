@@ -3,9 +3,9 @@
 
 #include <Contract/Architecture.hpp>
 #include <Contract/DynamicSection.hpp>
+#include <Contract/ElfLayout.hpp>
 #include <Contract/LibraryNote.hpp>
 #include <Contract/Release.hpp>
-#include <link.h>
 
 #include <algorithm>
 #include <array>
@@ -16,12 +16,14 @@ namespace Vela::System::Kiro::Internal::Contract
 namespace
 {
 
-using Segment = ElfW(Phdr);
-using NoteHeader = ElfW(Nhdr);
+/// Written alike in both word sizes.
+using NoteHeader = Elf32_Nhdr;
 
-/// Reads a file that is made for this architecture.
+template <typename Layout>
 class LibraryReader
 {
+    using Segment = typename Layout::Segment;
+
 public:
     LibraryReader(const String& libraryPath, const ReadBytes& readBytes)
         : path(libraryPath)
@@ -32,7 +34,7 @@ public:
     /// The descriptor of the note. What makes no sense in other places is left to the dynamic loader to refuse.
     [[nodiscard]] std::optional<BinaryContract::Description> Read()
     {
-        const auto header = ReadAt<ElfW(Ehdr)>(read, 0);
+        const auto header = ReadAt<typename Layout::Header>(read, 0);
         const unsigned segments = header && header->e_phentsize == sizeof(Segment) ? header->e_phnum : 0;
         std::optional<BinaryContract::Description> description;
         for (unsigned i = 0; i < segments && !description; ++i)
@@ -129,18 +131,8 @@ String GetText(const std::array<char, Size>& characters)
 
 std::optional<LibraryNote> LibraryNote::Read(const String& path, const ReadBytes& read)
 {
-    const auto architecture = Architecture::Read(read);
-    if (!architecture)
-    {
-        return std::nullopt;
-    }
-    if (*architecture != Architecture::GetOwn())
-    {
-        throw InvalidOperationException("Library '{0}' has the wrong architecture: it is made for {1}, this process "
-                                        "for {2}.",
-                                        path, architecture->ToString(), Architecture::GetOwn().ToString());
-    }
-    const auto description = LibraryReader(path, read).Read();
+    const auto description =
+        ReadInItsLayout(read, [&]<typename Layout>(Layout) { return LibraryReader<Layout>(path, read).Read(); });
     if (!description)
     {
         return std::nullopt;
@@ -171,6 +163,7 @@ void LibraryNote::CheckContract(const String& path) const
 void CheckLibraryFile(const String& path)
 {
     const ReadBytes read = ReadFrom(path);
+    Architecture::RequireOwn(path, read);
     if (const auto note = LibraryNote::Read(path, read))
     {
         note->CheckContract(path);

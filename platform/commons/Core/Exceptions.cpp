@@ -110,6 +110,14 @@ ArgumentException ArgumentException::ForParameter(const String& parameterName, S
     return {ExceptionKind::Argument, std::move(message), fmt::format("argument '{}'", parameterName)};
 }
 
+ArgumentException ArgumentException::ForParameter(const String& parameterName, std::string_view value, String message)
+{
+    constexpr std::size_t longest = 64;
+    const std::string_view end = value.size() > longest ? "..." : "";
+    return {ExceptionKind::Argument, std::move(message),
+            fmt::format("argument '{}': '{}{}'", parameterName, value.substr(0, longest), end)};
+}
+
 ArgumentNullException::ArgumentNullException(const String& parameterName)
     : ArgumentNullException("Value cannot be null.", fmt::format("argument '{}'", parameterName))
 {

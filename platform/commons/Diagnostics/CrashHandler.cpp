@@ -126,8 +126,8 @@ int OpenRecord(PlainWriter& writer) noexcept
     ::mkdirat(runtimeDirectory, CrashRecords::directoryName, S_IRWXU);
     writer.Text(CrashRecords::directoryName).Text("/").Time(GetTime(), true);
     writer.Text("-").Number(static_cast<std::uint64_t>(::getpid())).Text(CrashRecords::fileNameEnd);
-    const int file = ::openat(runtimeDirectory, writer.GetLine(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                              S_IRUSR | S_IWUSR);
+    const int file = ::openat(runtimeDirectory, writer.GetLine(),
+                              O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
     writer.Clear();
     return file;
 }
@@ -200,6 +200,8 @@ void Handle(int signal, siginfo_t* info, void* context)
     }
     state.signal = signal;
     LimitTime();
+    // Nobody may be left to read the standard error output; the record must be written all the same.
+    ::signal(SIGPIPE, SIG_IGN);
     Report(signal, *info, context);
     RestoreDefault(signal);
     // A fault comes again by itself, when this handler returns to the instruction at fault. What somebody has sent is

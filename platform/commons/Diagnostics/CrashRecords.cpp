@@ -147,6 +147,8 @@ String CrashRecords::Begin(const Fields& fields) const
     {
         ThrowSystemError(fmt::format("Cannot make '{}'", directory));
     }
+    // Makes room first: where the clock has been set back, the new record is not the youngest by its name.
+    RemoveOldest(mostRecords - 1);
     timespec now{};
     ::clock_gettime(CLOCK_REALTIME, &now);
     PlainWriter writer;
@@ -163,7 +165,6 @@ String CrashRecords::Begin(const Fields& fields) const
     Fields all = fields;
     all.insert(all.begin() + (all.empty() ? 0 : 1), {"time", writer.GetLine()});
     WriteFields(file.Get(), all);
-    RemoveOldest();
     return name;
 }
 
@@ -177,10 +178,10 @@ void CrashRecords::Append(const String& name, const Fields& fields) const
     WriteFields(file.Get(), fields);
 }
 
-void CrashRecords::RemoveOldest() const
+void CrashRecords::RemoveOldest(std::size_t most) const
 {
     const auto names = List();
-    for (std::size_t index = 0; index + mostRecords < names.size(); ++index)
+    for (std::size_t index = 0; index + most < names.size(); ++index)
     {
         static_cast<void>(::unlink(GetPath(names[index]).c_str()));
     }

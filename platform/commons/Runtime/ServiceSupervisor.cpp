@@ -1,11 +1,10 @@
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Diagnostics/Logger.hpp>
+#include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Runtime/ServiceSupervisor.hpp>
 #include <Vela/System/Commons/SystemError.hpp>
 
-#include <Environment/EnvironmentLock.hpp>
-#include <stdlib.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -22,14 +21,6 @@ namespace
 Diagnostics::Logger& GetLog()
 {
     return Diagnostics::Logger::Get(typeid(ServiceSupervisor));
-}
-
-String TakeVariable(const char* name)
-{
-    const char* value = ::getenv(name);
-    String text = value == nullptr ? "" : value;
-    ::unsetenv(name);
-    return text;
 }
 
 /// 0 for what is no positive number.
@@ -57,15 +48,9 @@ String JoinLines(std::initializer_list<std::string_view> assignments)
 
 ServiceSupervisor::ServiceSupervisor()
 {
-    String name;
-    String interval;
-    String process;
-    {
-        const std::lock_guard lock(GetEnvironmentMutex());
-        name = TakeVariable("NOTIFY_SOCKET");
-        interval = TakeVariable("WATCHDOG_USEC");
-        process = TakeVariable("WATCHDOG_PID");
-    }
+    const String name = Environment::TakeInheritedVariable("NOTIFY_SOCKET");
+    const String interval = Environment::TakeInheritedVariable("WATCHDOG_USEC");
+    const String process = Environment::TakeInheritedVariable("WATCHDOG_PID");
     if (name.empty())
     {
         return;

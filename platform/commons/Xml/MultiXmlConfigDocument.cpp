@@ -39,6 +39,7 @@ public:
                                                                       MultiXmlConfigDocument::maxIncludeDepth)));
             return;
         }
+        const auto source = std::make_shared<const XmlSource>(XmlSource{path, includedFrom});
         String text;
         bool isNew = false;
         const auto read = [&]
@@ -47,12 +48,11 @@ public:
             isNew = filesRead.insert(file.GetIdentity()).second;
             text = isNew ? file.Read() : String();
         };
-        if (!Diagnostics::Attempt(FindingCode::UnreadableFile, read) || !isNew)
+        if (!Diagnostics::Attempt(FindingCode::UnreadableFile, read, {source, 0}) || !isNew)
         {
             return;
         }
         XmlSerializationContext context(path, true);
-        const auto source = std::make_shared<const XmlSource>(XmlSource{path, includedFrom});
         Diagnostics::Attempt(FindingCode::MalformedDocument,
                              [&] { ReadDocument(source, text, rootElementName, object, context); });
         text = String();

@@ -30,6 +30,11 @@ void NotificationManagerSetup::Setup(const String& applicationName, bool withBro
     NotificationCore::SetCurrent(core);
 }
 
+void NotificationManagerSetup::CheckSettings(const String& settingsPath)
+{
+    static_cast<void>(Internal::NotificationLimitsDocument::Load(settingsPath));
+}
+
 void NotificationManagerSetup::StartDispatching()
 {
     if (const auto core = NotificationCore::GetCurrent())

@@ -20,9 +20,11 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <latch>
 #include <map>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using namespace Vela;
 using namespace Vela::System::Commons;
@@ -249,10 +251,23 @@ int Recurse(volatile char* outer)
     return outer == nullptr ? 0 : Recurse(room) + room[0];
 }
 
+/// Threads that crash at the same time.
+constexpr int crowd = 8;
+
 void Crash(const std::string& way)
 {
     char seed = 0;
-    if (way == "null")
+    if (way == "crowd")
+    {
+        static std::latch together(crowd);
+        together.arrive_and_wait();
+    }
+    if (way == "unheard")
+    {
+        int ends[2] = {-1, -1};
+        static_cast<void>(::pipe(ends) == 0 && ::dup2(ends[1], STDERR_FILENO) >= 0 && ::close(ends[0]) == 0);
+    }
+    if (way == "null" || way == "crowd" || way == "unheard")
     {
         *static_cast<volatile int*>(nullptr) = 1;
     }
@@ -295,17 +310,23 @@ int CrashOnThread(const Arguments& arguments)
     }
     LogManager::CreateInstance(LogLevel::Info);
     Logger::Get("Helper").Info("is about to crash");
-    Threading::Thread("Crasher",
-                      [&]
-                      {
-                          const String nobody = "nobody";
-                          const Diagnostics::Breadcrumb outer("Outside", "component", nobody);
-                          const Diagnostics::Breadcrumb breadcrumb("Crash", "component", way);
-                          {
-                              const Diagnostics::Breadcrumb done("Before", "component", nobody);
-                          }
-                          Crash(way);
-                      });
+    const auto run = [&way]
+    {
+        const String nobody = "nobody";
+        const Diagnostics::Breadcrumb outer("Outside", "component", nobody);
+        const Diagnostics::Breadcrumb breadcrumb("Crash", "component", way);
+        {
+            const Diagnostics::Breadcrumb done("Before", "component", nobody);
+        }
+        Crash(way);
+    };
+    std::vector<Threading::Thread> threads;
+    const std::size_t count = way == "crowd" ? crowd : 1;
+    threads.reserve(count);
+    while (threads.size() < count)
+    {
+        threads.emplace_back("Crasher", run);
+    }
     return 0;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <string_view>
 #include <utility>
 
 namespace Vela
@@ -122,6 +123,8 @@ public:
     using ExceptionOfKind::ExceptionOfKind;
     /// Names the parameter in the detail: "argument 'parameterName'".
     static ArgumentException ForParameter(const String& parameterName, String message);
+    /// Shows what was given as well, or how it begins: "argument 'parameterName': 'value'".
+    static ArgumentException ForParameter(const String& parameterName, std::string_view value, String message);
     ~ArgumentException() override;
 
 protected:

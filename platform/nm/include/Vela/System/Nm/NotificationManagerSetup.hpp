@@ -19,6 +19,10 @@ public:
     /// @throws XmlException when the document cannot be read or is not valid
     static void Setup(const String& applicationName, bool withBroker, const String& settingsPath = {});
 
+    /// Reads a settings document as Setup does, and changes nothing.
+    /// @throws XmlException when the document cannot be read or is not valid
+    static void CheckSettings(const String& settingsPath);
+
     /// Lets the broker deliver: what was sent so far, and from now on everything at once. Nothing happens in a process
     /// without broker, and when it dispatches already.
     static void StartDispatching();

@@ -47,8 +47,8 @@ public:
     /// Adds fields to a record.
     /// @throws Exception when it cannot be written
     void Append(const String& name, const Fields& fields) const;
-    /// Removes the oldest records beyond the limit.
-    void RemoveOldest() const;
+    /// Removes the oldest records beyond the given number.
+    void RemoveOldest(std::size_t most = mostRecords) const;
 
     /// The last messages of this process's log, a line each.
     [[nodiscard]] static String GetRecentMessages();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -56,6 +57,7 @@ enum class FindingCode : std::uint16_t
     InvalidSecuritySettings = 1501,
     InvalidRemotingSettings = 1502,
     InvalidLogConfiguration = 1503,
+    InvalidNotificationSettings = 1504,
 };
 
 enum class FindingSeverity : std::uint8_t
@@ -76,79 +78,62 @@ struct FindingDescription
 };
 
 /// The one list of all codes.
-inline constexpr std::array findingDescriptions{
-    FindingDescription{FindingCode::UnreadableFile, FindingSeverity::Error, "A file cannot be read."},
-    FindingDescription{FindingCode::MalformedDocument, FindingSeverity::Error, "A document is not well-formed."},
-    FindingDescription{FindingCode::WrongRootElement, FindingSeverity::Error, "A document is of another kind."},
-    FindingDescription{FindingCode::MissingAttribute, FindingSeverity::Error, "A mandatory attribute is missing."},
-    FindingDescription{FindingCode::InvalidAttribute, FindingSeverity::Error,
-                       "An attribute's text does not fit its type."},
-    FindingDescription{FindingCode::InvalidInclude, FindingSeverity::Error, "An include cannot be followed."},
-    FindingDescription{FindingCode::UnknownElement, FindingSeverity::Warning,
-                       "An element is not known there; it is skipped."},
-    FindingDescription{FindingCode::UnknownAttribute, FindingSeverity::Warning,
-                       "An attribute is not known there; it is ignored."},
-    FindingDescription{FindingCode::IgnoredText, FindingSeverity::Warning,
-                       "Text stands between the elements; it is ignored."},
-    FindingDescription{FindingCode::UndefinedVariable, FindingSeverity::Error,
-                       "A placeholder names a variable that nobody defines, or is malformed."},
-    FindingDescription{FindingCode::CircularVariable, FindingSeverity::Error,
-                       "Variables need each other in a circle, or in an endless chain."},
-    FindingDescription{FindingCode::ContradictoryVariable, FindingSeverity::Error,
-                       "A variable is defined twice with different values."},
-    FindingDescription{FindingCode::RedefinedNothing, FindingSeverity::Error,
-                       "A variable is redefined that has no definition."},
-    FindingDescription{FindingCode::InvalidVariable, FindingSeverity::Error,
-                       "A variable's definition contradicts itself, or no environment can hold it."},
-    FindingDescription{FindingCode::UnusedVariable, FindingSeverity::Note,
-                       "No document names a variable; perhaps a component reads it."},
-    FindingDescription{FindingCode::DuplicateName, FindingSeverity::Error,
-                       "A process, library or dependency is declared twice."},
-    FindingDescription{FindingCode::DuplicateComponent, FindingSeverity::Error, "Two components have one name."},
-    FindingDescription{FindingCode::InvalidValue, FindingSeverity::Error, "A value is not allowed there."},
-    FindingDescription{FindingCode::OverruledGeneric, FindingSeverity::Warning,
-                       "A component of one process stands in the way of the copy of a generic one."},
-    FindingDescription{FindingCode::IneffectiveGeneric, FindingSeverity::Warning,
-                       "What a generic component says has no effect."},
-    FindingDescription{FindingCode::UnknownProcess, FindingSeverity::Error,
-                       "A component names a process that is not configured."},
-    FindingDescription{FindingCode::UnknownLibrary, FindingSeverity::Error,
-                       "A component names a library that is not configured."},
-    FindingDescription{FindingCode::DroppedProcess, FindingSeverity::Warning,
-                       "A process has no component of its own and is dropped."},
-    FindingDescription{FindingCode::UnusedLibrary, FindingSeverity::Note, "No component needs a library."},
-    FindingDescription{FindingCode::IneffectiveAttribute, FindingSeverity::Warning,
-                       "An attribute has no effect on a process of that kind."},
-    FindingDescription{FindingCode::UnrunComponent, FindingSeverity::Note,
-                       "Nobody runs a component: it is disabled, or its process is external."},
-    FindingDescription{FindingCode::InvalidExecutable, FindingSeverity::Error,
-                       "A process's executable does not exist or cannot be executed."},
-    FindingDescription{FindingCode::MissingDirectory, FindingSeverity::Error,
-                       "A process's working directory does not exist."},
-    FindingDescription{FindingCode::MissingSettingsFile, FindingSeverity::Warning,
-                       "A component's settings file does not exist."},
-    FindingDescription{FindingCode::MissingLibrary, FindingSeverity::Error, "A library's file does not exist."},
-    FindingDescription{FindingCode::WrongArchitecture, FindingSeverity::Error,
-                       "A library is made for another architecture."},
-    FindingDescription{FindingCode::ContractMismatch, FindingSeverity::Error,
-                       "A library was built against another contract or interface layout, or its note is damaged."},
-    FindingDescription{FindingCode::MissingDependency, FindingSeverity::Error,
-                       "A library needs a shared object that is not found."},
-    FindingDescription{FindingCode::UnloadableLibrary, FindingSeverity::Error,
-                       "A library cannot be loaded, or crashes or hangs when it is."},
-    FindingDescription{FindingCode::UnknownComponentType, FindingSeverity::Error,
-                       "A library does not have a component's type."},
-    FindingDescription{FindingCode::NoComponentLibrary, FindingSeverity::Error,
-                       "A component's library has no entry function or no components."},
-    FindingDescription{FindingCode::RefusedAccess, FindingSeverity::Error,
-                       "Others can change a file, and that is refused."},
-    FindingDescription{FindingCode::DoubtfulAccess, FindingSeverity::Warning, "Others can change a file."},
-    FindingDescription{FindingCode::InvalidSecuritySettings, FindingSeverity::Error,
-                       "The security settings file is not valid."},
-    FindingDescription{FindingCode::InvalidRemotingSettings, FindingSeverity::Error,
-                       "The remoting settings file is not valid."},
-    FindingDescription{FindingCode::InvalidLogConfiguration, FindingSeverity::Error,
-                       "The log configuration file is not valid."},
-};
+inline constexpr auto findingDescriptions = []
+{
+    using enum FindingCode;
+    using enum FindingSeverity;
+    return std::to_array<FindingDescription>({
+        {UnreadableFile, Error, "A file cannot be read."},
+        {MalformedDocument, Error, "A document is not well-formed."},
+        {WrongRootElement, Error, "A document is of another kind."},
+        {MissingAttribute, Error, "A mandatory attribute is missing."},
+        {InvalidAttribute, Error, "An attribute's text does not fit its type."},
+        {InvalidInclude, Error, "An include cannot be followed."},
+        {UnknownElement, Warning, "An element is not known there; it is skipped."},
+        {UnknownAttribute, Warning, "An attribute is not known there; it is ignored."},
+        {IgnoredText, Warning, "Text stands between the elements; it is ignored."},
+        {UndefinedVariable, Error, "A placeholder names a variable that nobody defines, or is malformed."},
+        {CircularVariable, Error, "Variables need each other in a circle, or in an endless chain."},
+        {ContradictoryVariable, Error, "A variable is defined twice with different values."},
+        {RedefinedNothing, Error, "A variable is redefined that has no definition."},
+        {InvalidVariable, Error, "A variable's definition contradicts itself, or no environment can hold it."},
+        {UnusedVariable, Note, "No document names a variable; perhaps a component reads it."},
+        {DuplicateName, Error, "A process, library or dependency is declared twice."},
+        {DuplicateComponent, Error, "Two components have one name."},
+        {InvalidValue, Error, "A value is not allowed there."},
+        {OverruledGeneric, Warning, "A component of one process stands in the way of the copy of a generic one."},
+        {IneffectiveGeneric, Warning, "What a generic component says has no effect."},
+        {UnknownProcess, Error, "A component names a process that is not configured."},
+        {UnknownLibrary, Error, "A component names a library that is not configured."},
+        {DroppedProcess, Warning, "A process has no component of its own and is dropped."},
+        {UnusedLibrary, Note, "No component needs a library."},
+        {IneffectiveAttribute, Warning, "An attribute has no effect on a process of that kind."},
+        {UnrunComponent, Note, "Nobody runs a component: it is disabled, or its process is external."},
+        {InvalidExecutable, Error, "A process's executable does not exist or cannot be executed."},
+        {MissingDirectory, Error, "A process's working directory does not exist."},
+        {MissingSettingsFile, Warning, "A component's settings file does not exist."},
+        {MissingLibrary, Error, "A library's file does not exist."},
+        {WrongArchitecture, Error, "A library is made for another architecture."},
+        {ContractMismatch, Error,
+         "A library was built against another contract or interface layout, or its note is damaged."},
+        {MissingDependency, Error, "A library needs a shared object that is not found."},
+        {UnloadableLibrary, Error, "A library cannot be loaded, or crashes or hangs when it is."},
+        {UnknownComponentType, Error, "A library does not have a component's type."},
+        {NoComponentLibrary, Error, "A component's library has no entry function or no components."},
+        {RefusedAccess, Error, "Others can change a file, and that is refused."},
+        {DoubtfulAccess, Warning, "Others can change a file."},
+        {InvalidSecuritySettings, Error, "The security settings file is not valid."},
+        {InvalidRemotingSettings, Error, "The remoting settings file is not valid."},
+        {InvalidLogConfiguration, Error, "The log configuration file is not valid."},
+        {InvalidNotificationSettings, Error, "The settings file of the notifications is not valid."},
+    });
+}();
+
+/// What is known about a code.
+constexpr const FindingDescription& Describe(FindingCode code)
+{
+    return *std::find_if(findingDescriptions.begin(), findingDescriptions.end(),
+                         [code](const FindingDescription& description) { return description.code == code; });
+}
 
 } // namespace Vela::System::Commons::Diagnostics

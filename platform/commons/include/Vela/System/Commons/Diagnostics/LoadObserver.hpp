@@ -75,9 +75,10 @@ void Raise(FindingCode code, const Xml::XmlPosition& position, const E& exceptio
 }
 
 /// Takes one step of a load. An exception of the platform passes, unless there is an observer to tell.
+/// @param place  where it is wrong when the exception does not say it itself
 /// @return false when the step failed
 template <typename Step>
-bool Attempt(FindingCode code, Step&& step)
+bool Attempt(FindingCode code, Step&& step, const Xml::XmlPosition& place = {})
 {
     LoadObserver* observer = LoadObserver::TryGet();
     if (observer == nullptr)
@@ -93,8 +94,9 @@ bool Attempt(FindingCode code, Step&& step)
     catch (const Exception& exception)
     {
         const String& cause = exception.GetInnerText();
+        const auto position = Xml::XmlPosition::Parse(exception.GetDetail());
         observer->OnFinding({code, exception.GetMessage() + (cause.empty() ? "" : " " + cause),
-                             Xml::XmlPosition::Parse(exception.GetDetail())});
+                             position.GetFile().empty() ? place : position});
         return false;
     }
 }
