@@ -3,8 +3,6 @@
 #include <Sm/ProcessesController.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/Exceptions.hpp>
-#include <Vela/System/Commons/Diagnostics/CrashHandler.hpp>
-#include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Io/FileTrust.hpp>
 #include <Vela/System/Rsc/RscString.hpp>
 #include <Vela/System/Rsc/RscVariant.hpp>
@@ -12,7 +10,6 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -38,9 +35,7 @@ ProcessesController::ProcessesController(ISystemManagerHost& systemManagerHost, 
     , processSettings(settings)
     , slowCalls(slowCallWatcher)
     , connector(std::move(processConnector))
-    , abortProcess(std::move(abortFunction))
-    , watchdog(
-          "ProcessesWatchdog", [this] { ProcessesWatchdogRun(); }, settings.GetWatchdogIdleTime())
+    , watchdog(host, processes, settings, std::move(abortFunction))
 {
 }
 
@@ -49,7 +44,7 @@ bool ProcessesController::IsMainProcess(const ProcessData& process) const
     return process.name == host.GetName();
 }
 
-void ProcessesController::StartProcesses()
+void ProcessesController::StartProcesses(const ProgressFunction& onProgress)
 {
     host.RunWithOriginalAffinity(
         [this]
@@ -62,10 +57,11 @@ void ProcessesController::StartProcesses()
                 }
             }
         });
+    onProgress();
 
     TimeoutWatch watch(processSettings.GetStartWaitTime());
     watch.Start();
-    if (!ConnectAll(watch))
+    if (!ConnectAll(watch, onProgress))
     {
         for (const auto& [name, process] : processes)
         {
@@ -74,13 +70,9 @@ void ProcessesController::StartProcesses()
                 log.Error("Could not start process '{0}'.", name);
             }
         }
-        for (const auto& [name, entry] : starting)
-        {
-            slowCalls.GetJournal()->End(entry, StepJournal::Outcome::Failed);
-        }
+        GiveUpStarting();
         throw InvalidOperationException("Could not start all processes");
     }
-    lastLook = Clock::now();
     watchdog.Start();
 }
 
@@ -111,12 +103,23 @@ void ProcessesController::StartChild(ProcessData& process)
     catch (...)
     {
         log.Error("Could not start process '{0}'.", process.name);
+        GiveUpStarting();
         throw;
     }
 }
 
-bool ProcessesController::ConnectAll(const TimeoutWatch& watch)
+void ProcessesController::GiveUpStarting() noexcept
 {
+    for (const auto& [name, entry] : starting)
+    {
+        slowCalls.GetJournal()->End(entry, StepJournal::Outcome::Failed);
+    }
+    starting.clear();
+}
+
+bool ProcessesController::ConnectAll(const TimeoutWatch& watch, const ProgressFunction& onProgress)
+{
+    std::size_t reached = 0;
     while (!watch.HasTimeout())
     {
         bool hasFailed = false;
@@ -136,6 +139,11 @@ bool ProcessesController::ConnectAll(const TimeoutWatch& watch)
             {
                 firstMissing = process.get();
             }
+        }
+        if (services.size() != reached)
+        {
+            reached = services.size();
+            onProgress();
         }
         if (hasFailed)
         {
@@ -183,66 +191,6 @@ std::vector<int> ProcessesController::GetExitDescriptors() const
     return descriptors;
 }
 
-void ProcessesController::LoadLibraries()
-{
-    for (const auto& [processName, process] : processes)
-    {
-        const auto service = process->processManagerService;
-        if (!service)
-        {
-            continue;
-        }
-        for (const auto& [name, library] : process->libraries)
-        {
-            try
-            {
-                const bool isLoaded = slowCalls.Watched(
-                    "LoadLibrary", "library", name, processName,
-                    [&service, &loaded = name, &path = library->path]
-                    { return service->LoadLibrary(Rsc::RscString<512>(loaded), Rsc::RscString<512>(path)); });
-                if (!isLoaded)
-                {
-                    throw Exception("Library '{0}' couldn't loaded in process {1}.", name, processName);
-                }
-            }
-            catch (...)
-            {
-                // The cause names the file; which process wanted it is said here.
-                log.Error("Library '{0}' couldn't loaded in process {1}.", name, processName);
-                throw;
-            }
-            log.Info("Library '{0}' in process '{1}' loaded.", name, processName);
-        }
-    }
-}
-
-void ProcessesController::UnloadLibraries()
-{
-    for (const auto& [processName, process] : processes)
-    {
-        const auto service = process->processManagerService;
-        if (!service)
-        {
-            continue;
-        }
-        for (const auto& [name, library] : process->libraries)
-        {
-            try
-            {
-                slowCalls.Watched("UnloadLibrary", "library", name, processName,
-                                  [&service, &unloaded = name]
-                                  { service->UnloadLibrary(Rsc::RscString<512>(unloaded)); });
-                log.Info("Library '{0}' in process '{1}' unloaded.", name, processName);
-            }
-            catch (...)
-            {
-                log.Error("Library '{0}' in process '{1}' could not be unloaded: {2}", name, processName,
-                          CaughtException::Current().GetText());
-            }
-        }
-    }
-}
-
 void ProcessesController::SetEnvironmentVariable(const ServiceTable& services, const String& name, const String& value)
 {
     const Rsc::RscString<128> remoteName(name);
@@ -271,70 +219,6 @@ void ProcessesController::SetEnvironmentVariable(const ServiceTable& services, c
     if (firstFailure)
     {
         firstFailure->Throw();
-    }
-}
-
-String ProcessesController::FindFault(std::chrono::milliseconds patience) const
-{
-    if (isChildGone)
-    {
-        return "A process has exited unexpectedly.";
-    }
-    if (watchdog.IsRunning() && Clock::now() - lastLook.load() > processSettings.GetWatchdogIdleTime() + patience)
-    {
-        return "The watchdog of the processes does not run any more.";
-    }
-    return {};
-}
-
-std::vector<ProcessState> ProcessesController::DescribeProcesses() const
-{
-    std::vector<ProcessState> states;
-    for (const auto& [name, process] : processes)
-    {
-        if (process->process.IsStarted())
-        {
-            const bool hasExited = process->process.HasExited();
-            states.push_back({name, process->process.GetId(), hasExited,
-                              hasExited ? process->process.GetExit().ToString() : "running"});
-        }
-    }
-    return states;
-}
-
-void ProcessesController::AbortProcess()
-{
-    Commons::Diagnostics::CrashHandler::Withdraw();
-    std::abort();
-}
-
-void ProcessesController::ProcessesWatchdogRun()
-{
-    lastLook = Clock::now();
-    for (const auto& [name, process] : processes)
-    {
-        if (IsMainProcess(*process) || !process->process.HasExited())
-        {
-            continue;
-        }
-        isChildGone = true;
-        log.Fatal("Process '{}' has exited unexpectedly.", name);
-        const auto states = DescribeProcesses();
-        for (const auto& [otherName, other] : processes)
-        {
-            // Also the one that has exited: what it has started itself may still be there.
-            other->process.Kill();
-        }
-        log.Fatal("All other living processes terminated immediately.");
-        log.Fatal("Process '{0}' ended: {1}.", name, process->process.GetExit().ToString());
-        host.RecordFailure("process gone", states);
-        if (auto* logManager = Commons::Diagnostics::LogManager::TryGetInstance())
-        {
-            logManager->Flush();
-        }
-        std::this_thread::sleep_for(processSettings.GetWatchdogDelayTime());
-        abortProcess();
-        return;
     }
 }
 

@@ -18,8 +18,9 @@ SlowCallWatcher::Watch::Watch(SlowCallWatcher& slowCallWatcher, const char* step
                               const String& name, const String& process)
     : watcher(slowCallWatcher)
 {
+    const auto now = Clock::now();
     const std::lock_guard lock(watcher.mutex);
-    watcher.call = {step, subject, &name, &process, Clock::now(), watcher.limit, false};
+    watcher.call = {step, subject, &name, &process, now, watcher.limit, false};
     if (watcher.isWaitingForCall)
     {
         watcher.isWaitingForCall = false;
@@ -27,7 +28,7 @@ SlowCallWatcher::Watch::Watch(SlowCallWatcher& slowCallWatcher, const char* step
     }
     if (watcher.journal != nullptr)
     {
-        entry = watcher.journal->Begin(step, subject, name, process);
+        entry = watcher.journal->Begin(step, subject, name, process, now);
     }
 }
 

@@ -36,8 +36,8 @@ void StepJournal::BeginPhase(const char* newPhase) noexcept
     }
 }
 
-StepJournal::Entry* StepJournal::Begin(const char* step, const char* subject, const String& name,
-                                       const String& process) noexcept
+StepJournal::Entry* StepJournal::Begin(const char* step, const char* subject, const String& name, const String& process,
+                                       Clock::time_point now) noexcept
 {
     try
     {
@@ -50,8 +50,8 @@ StepJournal::Entry* StepJournal::Begin(const char* step, const char* subject, co
                 chunk = std::make_unique<Chunk>();
             }
             Entry& entry = (*chunk)[index % chunkSize];
-            entry.step = {phase.load(std::memory_order_relaxed), step,         subject, Intern(name, lastName),
-                          Intern(process, lastProcess),          Clock::now(), {}};
+            entry.step = {phase.load(std::memory_order_relaxed), step, subject, Intern(name, lastName),
+                          Intern(process, lastProcess),          now,  {}};
             count.store(index + 1, std::memory_order_release);
             return &entry;
         }

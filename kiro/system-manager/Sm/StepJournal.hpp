@@ -74,7 +74,8 @@ public:
     /// A new phase; ends the last one. Null: no phase follows.
     void BeginPhase(const char* phase) noexcept;
     /// Null when the journal is full, which End takes as well.
-    Entry* Begin(const char* step, const char* subject, const String& name, const String& process) noexcept;
+    Entry* Begin(const char* step, const char* subject, const String& name, const String& process,
+                 Clock::time_point now = Clock::now()) noexcept;
     void End(Entry* entry, Outcome outcome) noexcept;
     /// Keeps the text as the last failure of a component.
     void NoteFailure(const char* step, const String& component, const String& process, const String& text) noexcept;

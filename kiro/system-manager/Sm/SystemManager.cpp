@@ -89,9 +89,8 @@ void SystemManager::SetupSystemSettings()
     diagnostics.PublishProcesses(processes);
     diagnostics.PublishComponents(processes, {});
     EnterPhase("start-processes", "Starting the processes");
-    processesController.StartProcesses();
+    processesController.StartProcesses([this] { diagnostics.PublishProcesses(processes); });
     PublishSnapshot();
-    diagnostics.PublishProcesses(processes);
     EnterPhase("load-libraries", "Loading the libraries");
     processesController.LoadLibraries();
     EnterPhase("create", "Creating the components");
@@ -236,13 +235,13 @@ void SystemManager::RestartSystem()
 
 String SystemManager::FindFault(std::chrono::milliseconds patience) const
 {
-    String fault = processesController.FindFault(patience);
+    String fault = processesController.GetWatchdog().FindFault(patience);
     return fault.empty() ? slowCalls.FindCallBeyond(patience) : fault;
 }
 
 std::vector<ProcessState> SystemManager::DescribeProcesses() const
 {
-    return processesController.DescribeProcesses();
+    return DescribeChildren(processes);
 }
 
 const Settings::ProcessSettings& SystemManager::GetSettings() const noexcept

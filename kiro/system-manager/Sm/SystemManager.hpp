@@ -75,8 +75,8 @@ public:
 
     [[nodiscard]] const Settings::ProcessSettings& GetSettings() const noexcept;
     /// Sets a variable in every connected process.
-    /// @throws ArgumentException for a name of 128 or a value of 512 bytes or more; the failure of the first process
-    /// that could not be reached, after all the others were
+    /// @throws ArgumentException for a name of 128 bytes or more, or a value of more than 512; the failure of the first
+    /// process that could not be reached, after all the others were
     void SetEnvironmentVariable(const String& name, const String& value);
     /// Writes the current name of a variable and answers true when `name` is an old one.
     bool ResolveDeprecatedVariableName(const String& name, String& result) const;

@@ -59,7 +59,7 @@ protected:
             host, processes, settings->GetProcessSettings(), slowCalls,
             [this](const String& name, std::chrono::milliseconds limit, std::span<const int> wakeDescriptors)
             { return Connect(name, limit, wakeDescriptors); },
-            [this] { ++aborts; });
+            [] { FAIL() << "No child has gone while it was watched."; });
     }
 
     /// Connects to the fake services that are there; a wait for others is the wait for a child's end.
@@ -117,7 +117,6 @@ protected:
     CapturedLog log;
     Journal journal;
     FakeHost host;
-    int aborts = 0;
     SlowCallWatcher slowCalls{0ms};
     std::map<std::string, std::shared_ptr<FakeProcess>> services;
     std::list<Config::Process> configured;
@@ -209,15 +208,21 @@ TEST_F(ProcessesControllerTest, StartsChildrenConnectsToAllAndStopsThem)
             kill(processes[name]->process.GetId(), SIGKILL);
         };
     }
-    controller->StartProcesses();
+    std::vector<std::size_t> progress;
+    controller->StartProcesses(
+        [&]
+        {
+            EXPECT_TRUE(processes["A"]->process.IsStarted() && processes["B"]->process.IsStarted());
+            progress.push_back(controller->GetServices().size());
+        });
+    EXPECT_THAT(progress, ElementsAre(0, 3));
     EXPECT_THAT(log.GetLines("Info"),
                 ElementsAre("Info: Process 'A' started successfully.", "Info: Process 'B' started successfully.",
                             "Info: Process 'Main' started successfully."));
     EXPECT_THAT(controller->GetServices(), testing::SizeIs(3));
     EXPECT_FALSE(processes["Foreign"]->process.IsStarted());
     EXPECT_FALSE(processes["Main"]->process.IsStarted());
-    // A pass over living children does nothing.
-    controller->ProcessesWatchdogRun();
+    EXPECT_EQ(controller->GetWatchdog().FindFault(1h), "");
 
     controller->StopProcesses();
     auto calls = journal.Take();
@@ -404,23 +409,4 @@ TEST_F(ProcessesControllerTest, TellsEveryProcessOfAVariableAndThenOfTheFirstFai
     EXPECT_THROW(ProcessesController::SetEnvironmentVariable(table, std::string(128, 'n'), "v"), ArgumentException);
     EXPECT_THROW(ProcessesController::SetEnvironmentVariable(table, "n", std::string(513, 'v')), ArgumentException);
     EXPECT_THAT(journal.Take(), IsEmpty());
-}
-
-TEST_F(ProcessesControllerTest, KillsAllOthersAndAbortsWhenAChildHasDied)
-{
-    AddShell("Crashed", "kill -KILL $$");
-    AddShell("Survivor", "exec sleep 1000");
-    Configure();
-    for (const char* name : {"Crashed", "Survivor"})
-    {
-        processes[name]->process.Start("", "/bin/sh", processes[name]->args);
-    }
-    processes["Crashed"]->process.WaitForExit(-1);
-    controller->ProcessesWatchdogRun();
-    EXPECT_EQ(aborts, 1);
-    EXPECT_TRUE(processes["Survivor"]->process.HasExited());
-    EXPECT_THAT(log.GetLines("Fatal"), ElementsAre("Fatal: Process 'Crashed' has exited unexpectedly.",
-                                                   "Fatal: All other living processes terminated immediately.",
-                                                   "Fatal: Process 'Crashed' ended: signal 9 (Killed)."));
-    EXPECT_THAT(host.records, ElementsAre("process gone", "Crashed: signal 9 (Killed)", "Survivor: running"));
 }

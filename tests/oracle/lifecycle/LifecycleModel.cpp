@@ -31,7 +31,7 @@ void CheckLength(const std::string& text)
 {
     if (text.size() >= 512)
     {
-        throw ModelFailure::From(ArgumentException::ForParameter("arg", "Input string is too long"));
+        throw ModelFailure::From(ArgumentException::ForParameter("arg", text, "Input string is too long"));
     }
 }
 
