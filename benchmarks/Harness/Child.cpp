@@ -1,10 +1,11 @@
 #include "Harness/Child.hpp"
 
+#include "ExecutionTexts.hpp"
+
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/SystemError.hpp>
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -45,46 +46,13 @@ struct Pipe
     UniqueFd writer;
 };
 
-std::vector<char*> GetPointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts)
-    {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-std::vector<std::string> MakeEnvironment(const std::map<std::string, std::string>& additions)
-{
-    std::vector<std::string> variables;
-    for (char** variable = environ; *variable != nullptr; ++variable)
-    {
-        const std::string text = *variable;
-        if (!additions.contains(text.substr(0, text.find('='))))
-        {
-            variables.push_back(text);
-        }
-    }
-    for (const auto& [name, value] : additions)
-    {
-        variables.push_back(fmt::format("{}={}", name, value));
-    }
-    return variables;
-}
-
 } // namespace
 
 Child::Child(const std::string& executable, const std::vector<std::string>& arguments,
              const std::map<std::string, std::string>& environment, const std::string& workingDirectory)
 {
-    std::vector<std::string> words{executable};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<std::string> variables = MakeEnvironment(environment);
-    const auto argumentPointers = GetPointers(words);
-    const auto variablePointers = GetPointers(variables);
+    const auto command = Testing::ExecutionTexts::MakeCommand(executable, arguments);
+    const auto variables = Testing::ExecutionTexts::MakeEnvironment(environment);
     Pipe toChild;
     Pipe fromChild;
     const pid_t parent = ::getpid();
@@ -101,7 +69,7 @@ Child::Child(const std::string& executable, const std::vector<std::string>& argu
                              (workingDirectory.empty() || ::chdir(workingDirectory.c_str()) == 0);
         if (isReady)
         {
-            ::execve(executable.c_str(), argumentPointers.data(), variablePointers.data());
+            ::execve(executable.c_str(), command.Get(), variables.Get());
         }
         ::_exit(127);
     }

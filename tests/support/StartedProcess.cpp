@@ -1,5 +1,7 @@
 #include "StartedProcess.hpp"
 
+#include "ExecutionTexts.hpp"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
@@ -26,37 +28,6 @@ void Check(int error, const std::string& step)
     {
         throw std::runtime_error(step + ": " + std::strerror(error));
     }
-}
-
-std::vector<std::string> MergeEnvironment(const std::map<std::string, std::string>& changes)
-{
-    std::vector<std::string> merged;
-    for (char** variable = environ; *variable != nullptr; ++variable)
-    {
-        const std::string text = *variable;
-        if (!changes.contains(text.substr(0, text.find('='))))
-        {
-            merged.push_back(text);
-        }
-    }
-    for (const auto& [name, value] : changes)
-    {
-        merged.push_back(name);
-        merged.back().append("=").append(value);
-    }
-    return merged;
-}
-
-std::vector<char*> MakePointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts)
-    {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
 }
 
 } // namespace
@@ -101,11 +72,9 @@ StartedProcess::StartedProcess(const std::string& executable, const std::vector<
     posix_spawnattr_setpgroup(&attributes, 0);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
-    std::vector<std::string> command{executable};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    std::vector<std::string> variables = MergeEnvironment(environment);
-    const int error = posix_spawn(&pid, executable.c_str(), &actions, &attributes, MakePointers(command).data(),
-                                  MakePointers(variables).data());
+    const int error = posix_spawn(&pid, executable.c_str(), &actions, &attributes,
+                                  ExecutionTexts::MakeCommand(executable, arguments).Get(),
+                                  ExecutionTexts::MakeEnvironment(environment).Get());
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     close(ends[1]);

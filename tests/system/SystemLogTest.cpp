@@ -119,8 +119,10 @@ TEST_F(SystemLogTest, TheJournalGetsATextOfSeveralLinesAsOneMessage)
         size |= std::uint64_t{static_cast<unsigned char>(message.at(name.size() + index))} << (8 * index);
     }
     const std::string rest = message.substr(name.size() + sizeof(size));
-    EXPECT_NE(rest.substr(0, size).find("No\nSuch.config"), std::string::npos) << rest;
-    EXPECT_EQ(rest.substr(size, 10), "\nPRIORITY=");
+    ASSERT_LE(size, rest.size()) << rest;
+    const auto end = static_cast<std::size_t>(size);
+    EXPECT_NE(rest.substr(0, end).find("No\nSuch.config"), std::string::npos) << rest;
+    EXPECT_EQ(rest.substr(end, 10), "\nPRIORITY=");
     EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
 }
 
