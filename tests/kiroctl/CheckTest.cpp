@@ -42,7 +42,7 @@ protected:
         return found;
     }
 
-    void WriteSettingsDefects() const
+    void WriteSettingsDefects()
     {
         system.WriteSettings(R"(<Includes><Include path="more.settings"/><Include path="gone.settings"/>
 <Include path="${NOWHERE}"/><Include path="other.settings"/></Includes>
@@ -58,7 +58,12 @@ protected:
 <EnvironmentVariable name="R" value="2" redefine="true"/>
 <EnvironmentVariable name="O" value="2" redefine="true" override="true"/>
 </EnvironmentVariables>
-<RscSettings path="rsc.settings"/><SecuritySettings path="gone.security"/>)");
+<RscSettings path="rsc.settings"/><SecuritySettings path="gone.security"/>
+<NmSettings path="nm.settings"/>)");
+        system.environment["VELA_PATH_SYSTEM_DIR"] = system.directory / "system";
+        system.directory.Write("system/System/Scm/Scm.settings",
+                               "<ScmSettingsDocument><Features>\n<Feature/></Features></ScmSettingsDocument>");
+        system.directory.Write("nm.settings", "<NmSettingsDocument>\n<Queue maxBytes=\"0\"/></NmSettingsDocument>");
         system.directory.Write("more.settings", "<KiroSettingsDocument>text<LogSettings configFile=\"gone.log\"/>\n");
         system.directory.Write("other.settings", "<Other/>");
         system.directory.Write("rsc.settings", "<RscSettingsDocument>\n<Limits maxConnections=\"0\"/>\n"
@@ -168,10 +173,12 @@ K1003 other.settings:1
 K1104 Default.kiro.settings:13
 K1102 Default.kiro.settings:9
 K1101 Default.kiro.settings:10
-K1503 Default.kiro.settings:0
+K1503 more.settings:1
 K1203 rsc.settings:2
 K1005 rsc.settings:3
-K1501 Default.kiro.settings:0
+K1504 nm.settings:2
+K1501 Default.kiro.settings:16
+K1004 Scm.settings:2
 K1106 Default.kiro.settings:8
 K1106 Default.kiro.settings:10
 K1106 Default.kiro.settings:11
@@ -246,7 +253,8 @@ TEST_F(CheckTest, ProducesEveryCodeThatItDocuments)
     WriteConfigurationDefects();
     Find();
     WriteLibraryDefects();
-    system.WriteSettings("<RscSettings path=\"gone.rsc\"/><SecuritySettings path=\"security.xml\"/>");
+    system.WriteSettings("<RscSettings path=\"gone.rsc\"/><SecuritySettings path=\"security.xml\"/>"
+                         "<NmSettings path=\"gone.nm\"/>");
     chmod(system.directory.Write("security.xml", "<SecuritySettingsDocument/>").c_str(), 0666);
     chmod((system.directory / "Default.kiro.config").c_str(), 0666);
     Find();
@@ -277,7 +285,7 @@ TEST_F(CheckTest, AgreesWithTheRuntimeAboutWhatIsRefused)
 
 TEST_F(CheckTest, NamesADocumentThatIsMissing)
 {
-    EXPECT_EQ(Find({"gone.settings", "gone.config"}), "K1001 gone.settings:0\nK1001 gone.settings:0\n");
+    EXPECT_EQ(Find({"gone.settings", "gone.config"}), "K1001 gone.settings:0\nK1001 gone.config:0\n");
     const Result result = Run({"check", "gone.settings", "Default.kiro.config"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.output, (system.directory / "gone.settings") + ": error: Cannot read file '" +

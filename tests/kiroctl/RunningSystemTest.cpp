@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 #include <regex>
 
@@ -336,6 +337,28 @@ TEST_F(RunningSystemTest, WhatFailsIsExplainedInFull)
     EXPECT_NE(Ask({"timeline", "--failed", "plot"}).text.find(">failed</text>"), std::string::npos);
 }
 
+TEST_F(RunningSystemTest, AChildIsShownBeforeItAnswersAndItsEndAfterwards)
+{
+    system.WriteSettings("<ProcessSettings singleProcess='false' startWaitTime='60s'/>");
+    system.WriteConfig("<Processes><Process name='MainProcess'/>"
+                       "<Process name='Deaf' binaryPath='/bin/sleep' args='1000'/></Processes>"
+                       "<Libraries><Library name='Recording' binaryPath='" +
+                       TestSystem::GetBuiltFile("lib/libRecording.so") +
+                       "'/></Libraries>"
+                       "<Components><Component name='C' type='Recorder' library='Recording' process='Deaf'/>"
+                       "</Components>");
+    StartedProcess main = system.Start();
+    main.AwaitLine("Process 'MainProcess' started successfully.");
+    const json deaf = FindNamed(AskJson({"status"})["processes"], "Deaf");
+    EXPECT_EQ(deaf["state"], "starting");
+    ASSERT_EQ(kill(deaf["pid"].get<pid_t>(), SIGKILL), 0);
+    EXPECT_EQ(main.AwaitEnd(), 1);
+    EXPECT_EQ(Ask({"status"}).text, "kiroctl: No system runs in '" + system.GetRuntimeDirectory() +
+                                        "'. 'kiroctl crashes last' shows the last failure.\n");
+    EXPECT_NE(Ask({"crashes"}).text.find("  failed set-up  Deaf[" + deaf["pid"].dump() + "]: signal 9 (Killed)\n"),
+              std::string::npos);
+}
+
 TEST_F(RunningSystemTest, ADeadSystemIsUnreachable)
 {
     ConfigurePlant();
@@ -347,7 +370,8 @@ TEST_F(RunningSystemTest, ADeadSystemIsUnreachable)
     {
         const Answer answer = Ask({command});
         EXPECT_EQ(answer.code, 3) << answer.text;
-        EXPECT_EQ(answer.text.find("kiroctl: "), 0U) << answer.text;
+        EXPECT_EQ(answer.text, "kiroctl: No system runs in '" + system.GetRuntimeDirectory() + "'; its main process (" +
+                                   std::to_string(main.GetId()) + ") has died.\n");
     }
     EXPECT_EQ(Ask({"--runtime-dir", system.directory / "nowhere", "status"}).code, 3);
 }

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "CommandDeclaration.hpp"
 #include "CommandError.hpp"
 #include "ExitCode.hpp"
 #include "Session.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <span>
@@ -24,7 +23,7 @@ public:
 
     /// Adds arguments, options and subcommands, bound to members of the command. The summary is there already, and so
     /// are the options that all commands share.
-    virtual void Declare(CLI::App& app) = 0;
+    virtual void Declare(const CommandDeclaration& command) = 0;
     /// Does what the command line says, which has been read by now. Tells results through the session's output.
     /// @throws CommandError; other exceptions end the command as well, with the code that fits them best
     virtual ExitCode Run(Session& session) = 0;

@@ -1,12 +1,19 @@
 #include "CommandLine.hpp"
 
+#include "Command.hpp"
 #include "HelpFormatter.hpp"
+#include "Session.hpp"
 
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/PlainText.hpp>
 #include <Vela/VelaVersion.hpp>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace Vela::Kiroctl
 {
@@ -32,6 +39,20 @@ std::string MakeFooter()
     return footer + "\n'kiroctl COMMAND --help' explains a command.";
 }
 
+/// What every command and subcommand has.
+void Complete(CLI::App& command)
+{
+    command.fallthrough();
+    const std::string own = command.get_footer();
+    command.footer(own + (own.empty() ? "" : "\n") +
+                   "Options of every command: --json, --runtime-dir DIR (see 'kiroctl --help').");
+    for (CLI::App* subcommand : command.get_subcommands([](CLI::App*) { return true; }))
+    {
+        subcommand->group("Subcommands");
+        Complete(*subcommand);
+    }
+}
+
 /// The failures of calls have one exception class; what it says first tells a refusal from silence.
 ExitCode GetCode(const Exception& exception)
 {
@@ -48,7 +69,25 @@ ExitCode GetCode(const Exception& exception)
     }
 }
 
-} // namespace
+/// The whole command line as it is declared: what is parsed, and what help, completion and manual are made from.
+class CommandLine
+{
+public:
+    CommandLine();
+
+    ExitCode Run(int argc, const char* const* argv);
+
+private:
+    /// @throws CLI::ParseError when arguments are left over, or no command was named
+    void CheckLeftovers() const;
+    /// What the user wrote: the tool, the command and its subcommand.
+    [[nodiscard]] std::string GetNamedCommand() const;
+    ExitCode RunCommand();
+
+    CLI::App app;
+    CommonOptions options;
+    std::vector<std::unique_ptr<Command>> commands;
+};
 
 CommandLine::CommandLine()
     : app("Checks, explains and controls a Vela Kiro system.", "kiroctl")
@@ -63,16 +102,16 @@ CommandLine::CommandLine()
     app.require_subcommand(0, 1);
     app.allow_extras();
     app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(MakeFooter());
     for (const CommandEntry& entry : GetCommands())
     {
         CLI::App* commandApp = app.add_subcommand(entry.name, entry.summary);
         commandApp->group(entry.group);
-        commandApp->fallthrough();
-        commandApp->footer("Options of every command: --json, --runtime-dir DIR (see 'kiroctl --help').");
         commands.push_back(entry.create());
-        commands.back()->Declare(*commandApp);
+        commands.back()->Declare(CommandDeclaration(*commandApp));
+        Complete(*commandApp);
     }
+    // Not before: commands would begin with a copy of it.
+    app.footer(MakeFooter());
 }
 
 ExitCode CommandLine::Run(int argc, const char* const* argv)
@@ -142,6 +181,13 @@ ExitCode CommandLine::RunCommand()
     const ExitCode code = commands.at(static_cast<std::size_t>(named - added.begin()))->Run(session);
     session.GetOutput().Finish();
     return code;
+}
+
+} // namespace
+
+ExitCode RunCommandLine(int argc, const char* const* argv)
+{
+    return CommandLine().Run(argc, argv);
 }
 
 } // namespace Vela::Kiroctl

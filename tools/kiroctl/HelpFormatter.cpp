@@ -1,6 +1,7 @@
 #include "HelpFormatter.hpp"
 
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace Vela::Kiroctl
@@ -47,7 +48,13 @@ HelpFormatter::HelpFormatter()
 
 std::string HelpFormatter::make_option(const CLI::Option* option, bool isPositional) const
 {
-    return FormatEntry(make_option_name(option, isPositional) + make_option_opts(option), make_option_desc(option));
+    std::string details = make_option_opts(option);
+    // That an argument is a text says nothing beside its name.
+    if (constexpr std::string_view text = " TEXT"; isPositional && details.starts_with(text))
+    {
+        details.erase(0, text.size());
+    }
+    return FormatEntry(make_option_name(option, isPositional) + details, make_option_desc(option));
 }
 
 std::string HelpFormatter::make_subcommand(const CLI::App* command) const

@@ -2,5 +2,5 @@
 
 int main(int argc, char** argv)
 {
-    return static_cast<int>(Vela::Kiroctl::CommandLine().Run(argc, argv));
+    return static_cast<int>(Vela::Kiroctl::RunCommandLine(argc, argv));
 }

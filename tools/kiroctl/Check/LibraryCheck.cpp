@@ -14,7 +14,6 @@ namespace Vela::Kiroctl
 {
 
 namespace Contract = System::Kiro::Internal::Contract;
-using System::Commons::Diagnostics::Attempt;
 using System::Commons::Io::FileTrust;
 using System::Commons::Io::TrustedFile;
 using System::Kiro::Internal::Pm::SharedLibraryLoader;

@@ -15,12 +15,6 @@ using namespace System::Commons::Diagnostics;
 using System::Commons::MakePlainText;
 using System::Commons::Xml::XmlPosition;
 
-const FindingDescription& Describe(FindingCode code)
-{
-    return *std::find_if(findingDescriptions.begin(), findingDescriptions.end(),
-                         [code](const FindingDescription& description) { return description.code == code; });
-}
-
 std::string GetName(FindingCode code)
 {
     return fmt::format("K{}", static_cast<unsigned>(code));

@@ -21,7 +21,6 @@ using System::Commons::Xml::XmlPosition;
 using System::Kiro::Internal::Settings::EnvironmentVariable;
 using System::Kiro::Internal::Sm::Config::Component;
 using System::Kiro::Internal::Sm::Config::Components;
-using System::Kiro::Internal::Sm::Config::Process;
 using System::Kiro::Internal::Sm::Data::ProcessData;
 
 namespace
@@ -132,8 +131,8 @@ void SystemCheck::CheckChildSettings(const ProcessData& process)
         const auto found = configured.find(process.name);
         for (Json finding : *result.answer)
         {
-            // A document that is not there has no place of its own: the process that reads it has.
-            if (finding.at("position") == "" && found != configured.end())
+            // What concerns the document as a whole is best looked for where it is named.
+            if (XmlPosition::Parse(finding.at("position")).GetLine() == 0 && found != configured.end())
             {
                 finding["position"] = found->second.position.ToString();
             }

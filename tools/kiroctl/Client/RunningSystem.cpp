@@ -2,14 +2,18 @@
 
 #include "../CommandError.hpp"
 
-#include <Vela/System/Commons/Environment.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
 #include <Vela/System/Kiro/Services/Internal/DiagnosticsServiceProxy.hpp>
 #include <Vela/System/Kiro/Services/Internal/SystemDiagnosticsServiceProxy.hpp>
 #include <Vela/System/Kiro/Services/Internal/SystemManagerServiceProxy.hpp>
+#include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
+
+#include <signal.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <numeric>
 
 namespace Vela::Kiroctl
@@ -18,18 +22,44 @@ namespace Vela::Kiroctl
 namespace
 {
 
-/// For a system that has only just been started.
-constexpr std::chrono::milliseconds patience{3000};
+using System::Rsc::RscManager;
+
+bool IsAlive(pid_t process)
+{
+    return process != 0 && (::kill(process, 0) == 0 || errno == EPERM);
+}
+
+/// A system that has only just been started gets its time to answer.
+std::chrono::milliseconds GetPatience()
+{
+    return std::chrono::milliseconds(IsAlive(RscManager::FindMainProcess()) ? 3000 : 500);
+}
+
+/// Why no main process answers, and what to type next.
+std::string DescribeSilence()
+{
+    const String directory = RscManager::FindRuntimeDirectory(false);
+    const pid_t process = RscManager::FindMainProcess();
+    if (IsAlive(process))
+    {
+        return fmt::format("The system in '{}' does not answer; its main process is {}.", directory, process);
+    }
+    const bool hasRecord = !System::Commons::Diagnostics::CrashRecords(directory).List().empty();
+    return fmt::format("No system runs in '{}'{}.{}", directory,
+                       process == 0 ? "" : fmt::format("; its main process ({}) has died", process),
+                       hasRecord ? " 'kiroctl crashes last' shows the last failure." : "");
+}
 
 template <typename Factory>
 auto Find(Factory& factory, const System::Rsc::ServiceProvider& provider)
 {
-    auto service = System::Rsc::ServiceManager::TryGetService(factory, provider, patience);
+    auto service = System::Rsc::ServiceManager::TryGetService(factory, provider, GetPatience());
     if (!service)
     {
-        const String directory = System::Commons::Environment::GetVariableValueOr(
-            System::Commons::Environment::runtimeDirectoryName, "the user's own runtime directory");
-        throw CommandError(ExitCode::Unreachable, "Nobody answers for '{}' in {}.", provider.GetName(), directory);
+        const bool isMain = provider.GetKind() == System::Rsc::ServiceProvider::Kind::MainProcess;
+        throw CommandError(ExitCode::Unreachable, "{}",
+                           isMain ? DescribeSilence()
+                                  : fmt::format("Process '{}' does not answer.", provider.GetName()));
     }
     return service;
 }

@@ -12,13 +12,13 @@ namespace
 class Check final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        DeclareDocuments(app, documents);
-        app.add_flag("--strict", isStrict, "Take warnings for errors");
-        app.add_flag("--no-load", isLoadingForbidden,
-                     "Look at libraries without loading them: their needs and types stay unknown");
-        app.add_flag("--codes", isCodesWanted, "List what can be found, and check nothing");
+        DeclareDocuments(command, documents);
+        command.AddFlag("--strict", isStrict, "Take warnings for errors");
+        command.AddFlag("--no-load", isLoadingForbidden,
+                        "Look at libraries without loading them: their needs and types stay unknown");
+        command.AddFlag("--codes", isCodesWanted, "List what can be found, and check nothing");
     }
 
     ExitCode Run(Session& session) override

@@ -10,19 +10,17 @@ namespace
 class Completion final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        command = &app;
-        app.add_option("SHELL", shell, "The shell to complete in")
-            ->type_name("SHELL")
-            ->required()
-            ->check(CLI::IsMember({"bash", "zsh"}));
+        declaration = command;
+        command.AddText("SHELL", shell, "The shell to complete in",
+                        {.name = "SHELL", .isRequired = true, .choices = {"bash", "zsh"}});
     }
 
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
-        const CommandDescription tool = DescribeCommand(GetRoot(*command));
+        const CommandDescription tool = declaration.DescribeTool();
         const std::string script = shell == "bash" ? WriteBashCompletion(tool) : WriteZshCompletion(tool);
         if (output.IsJson())
         {
@@ -36,7 +34,7 @@ public:
     }
 
 private:
-    const CLI::App* command = nullptr;
+    CommandDeclaration declaration;
     std::string shell;
 };
 

@@ -13,18 +13,18 @@ namespace
 class Components final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("--process", process, "Only those of a process")->type_name("NAME");
-        app.add_option("--type", type, "Only those of a type")->type_name("TYPE");
-        app.add_option("--state", state, "Only those in a state")->type_name("STATE");
+        command.AddText("--process", process, "Only those of a process", {.name = "NAME"});
+        command.AddText("--type", type, "Only those of a type", {.name = "TYPE"});
+        command.AddText("--state", state, "Only those in a state", {.name = "STATE"});
     }
 
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
         Json json = Json::array();
-        Table table({{"COMPONENT"}, {"PROCESS"}, {"TYPE"}, {"ORDER", Table::Align::Right}, {"STATE"}, {"LAST STEP"}});
+        Table table({{"COMPONENT"}, {"PROCESS"}, {"TYPE"}, {"ORDER", Table::Align::Right}, {"STATE"}});
         for (const auto& component : RunningSystem(session).GetDiagnostics()->GetComponents())
         {
             const auto fits = [](const std::string& wanted, const std::string& value)
@@ -37,12 +37,13 @@ public:
             }
             json.push_back(ToJson(component));
             const bool hasOrder = component.startOrder != std::numeric_limits<std::uint32_t>::max();
+            const bool isInStep = component.state == "busy" || component.state == "failed";
             table.AddRow({component.name,
                           component.process,
                           component.type,
                           hasOrder ? fmt::format("{}", component.startOrder) : "-",
-                          {component.state, GetStateStyle(component.state)},
-                          component.step});
+                          {isInStep ? component.state + ": " + component.step : component.state,
+                           GetStateStyle(component.state)}});
         }
         output.IsJson() ? output.WriteJson(json) : output.WriteTable(table);
         return ExitCode::Success;

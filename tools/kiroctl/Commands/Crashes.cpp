@@ -42,6 +42,24 @@ std::vector<std::string_view> SplitLines(std::string_view text)
     return lines;
 }
 
+/// The step that crashed, else how a process of the system ended, else the phase in which the system failed.
+std::string DescribePlace(const CrashRecords::Fields& fields)
+{
+    if (const std::string step = Find(fields, "step"); !step.empty())
+    {
+        return fmt::format("{} of {}", step, Find(fields, "component") + Find(fields, "library"));
+    }
+    const std::string processes = Find(fields, "processes");
+    for (const std::string_view process : SplitLines(processes))
+    {
+        if (!process.ends_with(": running"))
+        {
+            return std::string(process);
+        }
+    }
+    return Find(fields, "phase");
+}
+
 Json ToJson(const std::string& name, const CrashRecords::Fields& fields)
 {
     Json json{{"record", name}};
@@ -63,9 +81,9 @@ Json ToJson(const std::string& name, const CrashRecords::Fields& fields)
 class Crashes final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("RECORD", record, "The record to show as the list names it, or 'last'");
+        command.AddText("RECORD", record, "The record to show as the list names it, or 'last'");
     }
 
     ExitCode Run(Session& session) override
@@ -77,9 +95,13 @@ public:
         {
             List(session.GetOutput(), records, names);
         }
+        else if (record == "last" && names.empty())
+        {
+            throw CommandError(ExitCode::NotFound, "Nothing has crashed.");
+        }
         else
         {
-            Show(session.GetOutput(), records, record == "last" && !names.empty() ? names.front() : record);
+            Show(session.GetOutput(), records, record == "last" ? names.front() : record);
         }
         return ExitCode::Success;
     }
@@ -106,12 +128,10 @@ private:
             const auto fields = records.Read(name);
             list.push_back(ToJson(name, fields));
             const std::string signal = Find(fields, "signal");
-            const std::string step = Find(fields, "step");
-            const std::string subject = Find(fields, "component") + Find(fields, "library");
             table.AddRow({name,
                           {Find(fields, "process")},
                           {signal.empty() ? Find(fields, "reason") : signal, Style::Bad},
-                          {step.empty() ? Find(fields, "phase") : fmt::format("{} of {}", step, subject)}});
+                          {DescribePlace(fields)}});
         }
         if (output.IsJson())
         {

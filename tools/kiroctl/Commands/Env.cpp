@@ -12,32 +12,28 @@ namespace
 class Env final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.require_subcommand(1);
-        list = app.add_subcommand("list", "List the variables that the system has defined");
-        get = app.add_subcommand("get", "Show the value of a variable");
-        set = app.add_subcommand("set", "Set a variable in every process");
-        for (CLI::App* query : {list, get})
+        command.RequireSubcommand();
+        list = command.AddSubcommand("list", "List the variables that the system has defined");
+        get = command.AddSubcommand("get", "Show the value of a variable");
+        set = command.AddSubcommand("set", "Set a variable in every process");
+        for (const CommandDeclaration& query : {list, get})
         {
-            query->add_option("--process", process, "The process to ask; default: the main process")->type_name("NAME");
+            query.AddText("--process", process, "The process to ask; default: the main process", {.name = "NAME"});
         }
-        for (CLI::App* one : {get, set})
+        for (const CommandDeclaration& one : {get, set})
         {
-            one->add_option("name", name, "Name of the variable")->required();
+            one.AddText("NAME", name, "Name of the variable", {.isRequired = true});
         }
-        set->add_option("value", value, "Its value")->required();
-        for (CLI::App* one : {list, get, set})
-        {
-            one->fallthrough();
-        }
+        set.AddText("VALUE", value, "Its value", {.isRequired = true});
     }
 
     ExitCode Run(Session& session) override
     {
         const RunningSystem system(session);
         Output& output = session.GetOutput();
-        if (set->parsed())
+        if (set.IsNamed())
         {
             system.GetManager()->SetEnvironmentVariable(name, System::Rsc::RscVariant<512>(value));
             if (output.IsJson())
@@ -49,7 +45,7 @@ public:
         const String asked =
             process.empty() ? system.GetDiagnostics()->GetStatus().name : system.SelectProcesses(process).front();
         const auto variables = system.GetProcess(asked)->GetEnvironment();
-        return list->parsed() ? List(output, variables) : Get(output, variables);
+        return list.IsNamed() ? List(output, variables) : Get(output, variables);
     }
 
 private:
@@ -74,6 +70,7 @@ private:
         if (found == variables.end())
         {
             std::vector<String> known;
+            known.reserve(variables.size());
             for (const auto& variable : variables)
             {
                 known.push_back(variable.name);
@@ -92,9 +89,9 @@ private:
         return ExitCode::Success;
     }
 
-    CLI::App* list = nullptr;
-    CLI::App* get = nullptr;
-    CLI::App* set = nullptr;
+    CommandDeclaration list;
+    CommandDeclaration get;
+    CommandDeclaration set;
     std::string process;
     std::string name;
     std::string value;

@@ -17,9 +17,9 @@ using System::Commons::MakePlainText;
 class Explain final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("component", name, "Name of the component")->required();
+        command.AddText("COMPONENT", name, "Name of the component", {.isRequired = true});
     }
 
     ExitCode Run(Session& session) override
@@ -59,6 +59,7 @@ private:
     ExitCode ReportUnknown(Output& output, const std::vector<Services::ComponentStatus>& components) const
     {
         std::vector<String> known;
+        known.reserve(components.size());
         for (const auto& component : components)
         {
             known.push_back(component.name);
@@ -111,7 +112,7 @@ private:
             {"initialized", "Its set-up is under way."},
             {"set-up", "Its settings are set up."},
             {"configured-up", "It is set up and configured."},
-            {"running", "It runs."},
+            {"running", "It is set up and started."},
             {"busy", "One of its steps is running now."},
             {"failed", "A step has failed."},
             {"removed", "A step has failed, and the system goes on without the component, which is not required."},
@@ -142,11 +143,14 @@ private:
                                          component.state == "busy" ? "" : " ago"));
         }
         output.WriteLine(fmt::format("  Configured: {}", component.position));
-        output.WriteLine(fmt::format("              type {}, library {}, {}, {}{}", component.type,
-                                     component.library.empty() ? "of the executable" : component.library,
-                                     component.isRequired ? "required" : "not required",
-                                     component.isEnabled ? "enabled" : "disabled",
-                                     component.settingsPath.empty() ? "" : ", settings " + component.settingsPath));
+        output.WriteLine(fmt::format("  Type:       {}, library {}", component.type,
+                                     component.library.empty() ? "of the executable" : component.library));
+        output.WriteLine(fmt::format("              {}, {}", component.isRequired ? "required" : "not required",
+                                     component.isEnabled ? "enabled" : "disabled"));
+        if (!component.settingsPath.empty())
+        {
+            output.WriteLine("  Settings:   " + component.settingsPath);
+        }
         for (const auto& step : waits)
         {
             output.WriteLine(fmt::format("  Waits for:  {}, for {}", Describe(step),

@@ -1,7 +1,6 @@
 #include "../Command.hpp"
 #include "../Graph/PlanGraph.hpp"
-#include "../Offline/DocumentArguments.hpp"
-#include "../Plan/PlanBuilder.hpp"
+#include "../Plan/PlanArguments.hpp"
 
 namespace Vela::Kiroctl
 {
@@ -12,20 +11,17 @@ namespace
 class Graph final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        DeclareDocuments(app, documents);
-        app.add_option("--format", format, "A picture (svg), or a description for Graphviz (dot)")
-            ->type_name("FORMAT")
-            ->capture_default_str()
-            ->check(CLI::IsMember({"svg", "dot"}));
-        DeclareNoLoad(app, isLoadingForbidden);
+        arguments.Declare(command);
+        command.AddText("--format", format, "A picture (svg), or a description for Graphviz (dot)",
+                        {.name = "FORMAT", .choices = {"svg", "dot"}});
     }
 
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
-        const Json plan = BuildPlan(documents, !isLoadingForbidden);
+        const Json plan = arguments.Build();
         if (output.IsJson())
         {
             output.WriteJson(ListGraph(plan));
@@ -38,9 +34,8 @@ public:
     }
 
 private:
-    SystemDocuments documents;
+    PlanArguments arguments;
     String format = "svg";
-    bool isLoadingForbidden = false;
 };
 
 } // namespace

@@ -20,7 +20,7 @@ namespace
 namespace Contract = System::Kiro::Internal::Contract;
 using System::Kiro::Internal::Pm::SharedLibraryLoader;
 
-/// All that is found out about one library.
+/// All that is found out about one library. What is made for another processor can be read, but not be loaded.
 struct Report
 {
     String path;
@@ -29,7 +29,8 @@ struct Report
     /// Empty when it has none.
     String entry;
     std::vector<String> needed;
-    std::map<String, String> missing;
+    /// Nothing where it shows on a machine of its own only.
+    std::optional<std::map<String, String>> missing;
     String version;
     std::optional<std::vector<String>> componentTypes;
     /// Why a process of this runtime would not take it; empty when it would.
@@ -80,13 +81,11 @@ Report Examine(const String& path)
     report.entry = FindEntry(read);
     try
     {
-        // Refuses another architecture besides.
+        const auto section = Contract::DynamicSection::Read(read).value_or(Contract::DynamicSection());
+        report.needed = section.needed;
         report.note = Contract::LibraryNote::Read(path, read);
-        if (const auto section = Contract::DynamicSection::Read(read))
-        {
-            report.needed = section->needed;
-            report.missing = FindMissingLibraries(path, section->runPath, section->needed);
-        }
+        Contract::Architecture::RequireOwn(path, read);
+        report.missing = FindMissingLibraries(path, section.runPath, section.needed);
         Probe(report);
     }
     catch (const InvalidOperationException& exception)
@@ -98,9 +97,15 @@ Report Examine(const String& path)
 
 Json ToJson(const Report& report)
 {
-    Json json{{"path", report.path},       {"architecture", report.architecture.ToString()},
-              {"entry", report.entry},     {"needed", report.needed},
-              {"missing", report.missing}, {"usable", report.problem.empty()}};
+    Json json{{"path", report.path},
+              {"architecture", report.architecture.ToString()},
+              {"entry", report.entry},
+              {"needed", report.needed},
+              {"usable", report.problem.empty()}};
+    if (report.missing)
+    {
+        json["missing"] = *report.missing;
+    }
     if (report.note)
     {
         json["note"] = {{"contract", report.note->contractVersion},
@@ -123,11 +128,10 @@ Json ToJson(const Report& report)
     return json;
 }
 
-Table ToTable(const Report& report)
+/// What stands in the file.
+void AddContents(const Report& report, Table& table)
 {
     namespace BinaryContract = System::Kiro::BinaryContract;
-    Table table({{"LIBRARY"}, {report.path}});
-    table.AddRow({"architecture", report.architecture.ToString()});
     if (report.note)
     {
         const auto judge = [](bool isRight)
@@ -150,8 +154,18 @@ Table ToTable(const Report& report)
     table.AddRow({"entry function", report.entry.empty() ? "none" : report.entry});
     for (const String& name : report.needed)
     {
-        const bool isMissing = report.missing.contains(name);
+        const bool isMissing = report.missing && report.missing->contains(name);
         table.AddRow({"needs", {isMissing ? name + " (missing)" : name, isMissing ? Style::Bad : Style::Plain}});
+    }
+}
+
+Table ToTable(const Report& report)
+{
+    Table table({{"LIBRARY"}, {report.path}});
+    table.AddRow({"architecture", report.architecture.ToString()});
+    if (report.architecture.HasOwnByteOrder())
+    {
+        AddContents(report, table);
     }
     if (!report.version.empty())
     {
@@ -165,15 +179,20 @@ Table ToTable(const Report& report)
     {
         table.AddRow({"problem", {report.problem, Style::Bad}});
     }
+    if (report.architecture != Contract::Architecture::GetOwn())
+    {
+        table.AddRow(
+            {"not known", "version, component types and missing shared objects: they show where it can be loaded"});
+    }
     return table;
 }
 
 class Inspect final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("LIBRARY", path, "The shared object")->required();
+        command.AddText("LIBRARY", path, "The shared object", {.isRequired = true});
     }
 
     ExitCode Run(Session& session) override

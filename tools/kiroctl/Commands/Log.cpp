@@ -37,16 +37,14 @@ struct Line
 class Log final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("--process", process, "Only of a process")->type_name("NAME");
-        app.add_option("--level", level, "Only messages of at most this level")->type_name("LEVEL");
-        app.add_option("--category", category, "Only of a category and those below it")->type_name("CATEGORY");
-        app.add_option("-n,--lines", count, "How many of the last messages")
-            ->check(CLI::Range(0, 100'000))
-            ->capture_default_str();
-        app.add_flag("-f,--follow", isFollowing, "Go on with what is logged from now on, until the system ends");
-        app.footer("A process keeps its last messages, up to 32 KiB of them.");
+        command.AddText("--process", process, "Only of a process", {.name = "NAME"});
+        command.AddText("--level", level, "Only messages of at most this level", {.name = "LEVEL"});
+        command.AddText("--category", category, "Only of a category and those below it", {.name = "CATEGORY"});
+        command.AddNumber("-n,--lines", count, {0, 100'000}, "How many of the last messages");
+        command.AddFlag("-f,--follow", isFollowing, "Go on with what is logged from now on, until the system ends");
+        command.SetFooter("A process keeps its last messages, up to 32 KiB of them.");
     }
 
     ExitCode Run(Session& session) override
@@ -153,7 +151,7 @@ private:
     std::string process;
     std::string level;
     std::string category;
-    std::ptrdiff_t count = 50;
+    int count = 50;
     bool isFollowing = false;
     LogLevel maximumLevel = LogLevel::Trace;
 };

@@ -11,12 +11,12 @@ namespace
 class SetLogLevel final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("category", category, "Category and all below it; '*' means all")->type_name("CATEGORY");
-        app.add_option("level", level, "Off, Fatal, Error, Warning, Info, Debug or Trace")->type_name("LEVEL");
-        app.add_option("--process", process, "Only in this process")->type_name("NAME");
-        app.footer("Without a level the levels that are set are shown.");
+        command.AddText("CATEGORY", category, "Category and all below it; '*' means all");
+        command.AddText("LEVEL", level, "Off, Fatal, Error, Warning, Info, Debug or Trace");
+        command.AddText("--process", process, "Only in this process", {.name = "NAME"});
+        command.SetFooter("Without a level the levels that are set are shown.");
     }
 
     ExitCode Run(Session& session) override

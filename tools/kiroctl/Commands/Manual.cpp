@@ -12,16 +12,15 @@ namespace
 class Manual final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        command = &app;
+        declaration = command;
     }
 
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
-        const std::string page =
-            WriteManualPage(DescribeCommand(GetRoot(*command)), VelaVersion::GetCurrent().ToString());
+        const std::string page = WriteManualPage(declaration.DescribeTool(), VelaVersion::GetCurrent().ToString());
         if (output.IsJson())
         {
             output.WriteJson({{"page", page}});
@@ -34,7 +33,7 @@ public:
     }
 
 private:
-    const CLI::App* command = nullptr;
+    CommandDeclaration declaration;
 };
 
 } // namespace

@@ -10,19 +10,18 @@ namespace
 class New final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.require_subcommand(1);
-        CLI::App& library = *app.add_subcommand("library", "A component library with one component and its tests");
-        library.fallthrough();
-        library.add_option("NAME", names.library, "Name of the library, of its directory and of its namespace")
-            ->required();
-        library.add_option("--component", names.component, "Name of the component's class")
-            ->required()
-            ->type_name("TYPE");
-        library.add_flag("--controller", isController, "The component is started and stopped");
-        library.add_option("--service", names.interface, "The component publishes a service with this interface")
-            ->type_name("INTERFACE");
+        command.RequireSubcommand();
+        const CommandDeclaration library =
+            command.AddSubcommand("library", "A component library with one component and its tests");
+        library.AddText("NAME", names.library, "Name of the library, of its directory and of its namespace",
+                        {.isRequired = true});
+        library.AddText("--component", names.component, "Name of the component's class",
+                        {.name = "TYPE", .isRequired = true});
+        library.AddFlag("--controller", isController, "The component is started and stopped");
+        library.AddText("--service", names.interface, "The component publishes a service with this interface",
+                        {.name = "INTERFACE"});
     }
 
     ExitCode Run(Session& session) override

@@ -1,6 +1,5 @@
 #include "../Command.hpp"
-#include "../Offline/DocumentArguments.hpp"
-#include "../Plan/PlanBuilder.hpp"
+#include "../Plan/PlanArguments.hpp"
 #include "../Plan/PlanText.hpp"
 
 namespace Vela::Kiroctl
@@ -12,22 +11,19 @@ namespace
 class Plan final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        DeclareDocuments(app, documents);
-        app.add_option("--order", order, "The way up (start) or the way down (stop)")
-            ->type_name("ORDER")
-            ->capture_default_str()
-            ->check(CLI::IsMember({"start", "stop"}));
-        app.add_option("--diff", otherConfiguration, "Tell what is different with another configuration document")
-            ->type_name("CONFIG");
-        DeclareNoLoad(app, isLoadingForbidden);
+        arguments.Declare(command);
+        command.AddText("--order", order, "The way up (start) or the way down (stop)",
+                        {.name = "ORDER", .choices = {"start", "stop"}});
+        command.AddText("--diff", otherConfiguration, "Tell what is different with another configuration document",
+                        {.name = "CONFIG"});
     }
 
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
-        Json plan = BuildPlan(documents, !isLoadingForbidden);
+        Json plan = arguments.Build();
         if (!otherConfiguration.empty())
         {
             return RunDiff(output, plan);
@@ -58,9 +54,9 @@ public:
 private:
     ExitCode RunDiff(Output& output, const Json& plan) const
     {
-        SystemDocuments others = documents;
-        others.configuration = otherConfiguration;
-        const Json differences = ComparePlans(plan, BuildPlan(others, !isLoadingForbidden));
+        PlanArguments others = arguments;
+        others.documents.configuration = otherConfiguration;
+        const Json differences = ComparePlans(plan, others.Build());
         if (output.IsJson())
         {
             output.WriteJson(differences);
@@ -72,10 +68,9 @@ private:
         return differences.empty() ? ExitCode::Success : ExitCode::Negative;
     }
 
-    SystemDocuments documents;
+    PlanArguments arguments;
     String order = "start";
     String otherConfiguration;
-    bool isLoadingForbidden = false;
 };
 
 } // namespace

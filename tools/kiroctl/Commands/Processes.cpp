@@ -11,7 +11,7 @@ namespace
 class Processes final : public Command
 {
 public:
-    void Declare(CLI::App&) override
+    void Declare(const CommandDeclaration&) override
     {
     }
 

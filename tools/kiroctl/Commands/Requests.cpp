@@ -46,13 +46,12 @@ public:
     {
     }
 
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
         if (hasWait)
         {
-            app.add_option("--wait", wait, "Wait until the system has ended, at most this long")
-                ->type_name("SECONDS")
-                ->check(CLI::Range(1, 86'400));
+            command.AddNumber("--wait", wait, {1, 86'400}, "Wait until the system has ended, at most this long",
+                              {.name = "SECONDS"});
         }
     }
 

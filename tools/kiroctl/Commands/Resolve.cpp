@@ -10,9 +10,9 @@ namespace
 class Resolve final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("name", name, "Old name of an environment variable")->required();
+        command.AddText("NAME", name, "Old name of an environment variable", {.isRequired = true});
     }
 
     ExitCode Run(Session& session) override

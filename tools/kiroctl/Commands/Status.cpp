@@ -4,6 +4,7 @@
 
 #include <Vela/System/Commons/PlainText.hpp>
 
+#include <algorithm>
 #include <map>
 
 namespace Vela::Kiroctl
@@ -15,9 +16,9 @@ namespace
 class Status final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.footer("Exit code 1: the system runs with errors, or its start failed.");
+        command.SetFooter("Exit code 1: the system runs with errors, its start failed, or a process has\nended.");
     }
 
     ExitCode Run(Session& session) override
@@ -40,7 +41,10 @@ public:
         {
             WriteText(output, status, processes, components);
         }
-        return status.hasError ? ExitCode::Negative : ExitCode::Success;
+        const bool hasEnded =
+            status.state == "running" && std::any_of(processes.begin(), processes.end(),
+                                                     [](const auto& process) { return process.state == "ended"; });
+        return status.hasError || hasEnded ? ExitCode::Negative : ExitCode::Success;
     }
 
 private:

@@ -23,30 +23,24 @@ using System::Commons::Diagnostics::CrashRecords;
 class TimelineCommand final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.require_subcommand(0, 1);
-        app.add_option("--input", input, "Read the timeline from a file in place of a running system")
-            ->type_name("FILE");
-        app.add_flag("--failed", isFailed, "Read that of the last failed start from the runtime directory");
-        app.add_flag("--stop", isStop, "The way down in place of the start");
-        app.add_option("--budget", budget, "Tell which limits of this file are broken")->type_name("FILE");
-        plot = app.add_subcommand("plot", "Draw one SVG page");
-        blame = app.add_subcommand("blame", "List the slowest steps first");
-        chain = app.add_subcommand("critical-chain", "Show what the start had to wait for");
-        chromeTrace = app.add_subcommand("export", "Write a Chrome trace, for any trace viewer");
-        blame->add_option("-n,--lines", count, "How many")->check(CLI::Range(1, 1'000'000))->capture_default_str();
-        for (CLI::App* writer : {plot, chromeTrace})
+        command.AddText("--input", input, "Read the timeline from a file in place of a running system",
+                        {.name = "FILE"});
+        command.AddFlag("--failed", isFailed, "Read that of the last failed start from the runtime directory");
+        command.AddFlag("--stop", isStop, "The way down in place of the start");
+        command.AddText("--budget", budget, "Tell which limits of this file are broken", {.name = "FILE"});
+        plot = command.AddSubcommand("plot", "Draw one SVG page");
+        blame = command.AddSubcommand("blame", "List the slowest steps first");
+        chain = command.AddSubcommand("critical-chain", "Show what the start had to wait for");
+        chromeTrace = command.AddSubcommand("export", "Write a Chrome trace, for any trace viewer");
+        blame.AddNumber("-n,--lines", count, {1, 1'000'000}, "How many");
+        for (const CommandDeclaration& writer : {plot, chromeTrace})
         {
-            writer->add_option("-o,--output", outputFile, "Write to a file in place of standard output")
-                ->type_name("FILE");
+            writer.AddText("-o,--output", outputFile, "Write to a file in place of standard output", {.name = "FILE"});
         }
-        for (CLI::App* part : {plot, blame, chain, chromeTrace})
-        {
-            part->fallthrough();
-        }
-        app.footer("Without a subcommand the steps are listed; with --json that is the document for --input.\n"
-                   "Exit codes of --budget: 1 limits of phases are broken, 7 limits of components, 8 both.");
+        command.SetFooter("Without a subcommand the steps are listed; with --json that is the document for\n--input.\n"
+                          "Exit codes of --budget: 1 limits of phases are broken, 7 limits of components,\n8 both.");
     }
 
     ExitCode Run(Session& session) override
@@ -58,21 +52,21 @@ public:
         {
             return CheckLimits(output, timeline);
         }
-        if (plot->parsed())
+        if (plot.IsNamed())
         {
             Write(output, Plot(timeline));
         }
-        else if (blame->parsed())
+        else if (blame.IsNamed())
         {
             auto steps = FindSlowest(timeline);
             steps.resize(std::min(steps.size(), static_cast<std::size_t>(count)));
             List(output, steps);
         }
-        else if (chain->parsed())
+        else if (chain.IsNamed())
         {
             ShowChain(output, timeline);
         }
-        else if (chromeTrace->parsed())
+        else if (chromeTrace.IsNamed())
         {
             Write(output, ToChromeTrace(timeline).dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
         }
@@ -202,10 +196,10 @@ private:
                                           : ExitCode::Success;
     }
 
-    CLI::App* plot = nullptr;
-    CLI::App* blame = nullptr;
-    CLI::App* chain = nullptr;
-    CLI::App* chromeTrace = nullptr;
+    CommandDeclaration plot;
+    CommandDeclaration blame;
+    CommandDeclaration chain;
+    CommandDeclaration chromeTrace;
     std::string input;
     std::string budget;
     std::string outputFile;

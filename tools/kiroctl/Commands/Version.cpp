@@ -14,7 +14,7 @@ namespace BinaryContract = System::Kiro::BinaryContract;
 class Version final : public Command
 {
 public:
-    void Declare(CLI::App&) override
+    void Declare(const CommandDeclaration&) override
     {
     }
 

@@ -57,11 +57,11 @@ Json ToJson(const Nm::Notification& notification)
 class Watch final : public Command
 {
 public:
-    void Declare(CLI::App& app) override
+    void Declare(const CommandDeclaration& command) override
     {
-        app.add_option("pattern", pattern, "Name of a notification, or the beginning of names and '*'; default: all");
-        app.add_option("-n,--count", count, "End after this many")->check(CLI::Range(1, 1'000'000'000));
-        app.footer("Ends when the system does.");
+        command.AddText("PATTERN", pattern, "Name of a notification, or the beginning of names and '*'; default: all");
+        command.AddNumber("-n,--count", count, {1, 1'000'000'000}, "End after this many");
+        command.SetFooter("Ends when the system does.");
     }
 
     ExitCode Run(Session& session) override

@@ -1,5 +1,7 @@
 #include "CommandTree.hpp"
 
+#include <CLI/CLI.hpp>
+
 #include <sstream>
 
 namespace Vela::Kiroctl
@@ -50,16 +52,6 @@ OptionDescription DescribeOption(const CLI::Option& option)
 }
 
 } // namespace
-
-const CLI::App& GetRoot(const CLI::App& app)
-{
-    const CLI::App* root = &app;
-    while (root->get_parent() != nullptr)
-    {
-        root = root->get_parent();
-    }
-    return *root;
-}
 
 CommandDescription DescribeCommand(const CLI::App& app)
 {

@@ -1,9 +1,12 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
+
+namespace CLI
+{
+class App;
+}
 
 namespace Vela::Kiroctl
 {
@@ -38,8 +41,5 @@ CommandDescription DescribeCommand(const CLI::App& app);
 
 /// The same as a flat list, outermost first.
 std::vector<const CommandDescription*> ListCommands(const CommandDescription& command);
-
-/// The top of the command line that a command is part of.
-const CLI::App& GetRoot(const CLI::App& app);
 
 } // namespace Vela::Kiroctl

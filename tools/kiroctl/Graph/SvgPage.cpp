@@ -11,25 +11,14 @@ namespace Vela::Kiroctl
 namespace
 {
 
-std::string FormatLook(const SvgPage::Look& look)
+constexpr double widthOfCharacter = 0.602;
+
+constexpr bool IsFirstByte(char byte)
 {
-    return fmt::format(R"(fill="{}" stroke="{}" stroke-width="{}"{}{})", look.fill, look.stroke, look.strokeWidth,
-                       look.isDashed ? R"( stroke-dasharray="5 4")" : "",
-                       look.opacity < 1 ? fmt::format(R"( opacity="{}")", look.opacity) : "");
+    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
 }
 
-} // namespace
-
-double SvgPage::GetTextWidth(std::string_view text, double fontSize)
-{
-    constexpr double widthOfOne = 0.602;
-    const auto characters =
-        std::count_if(text.begin(), text.end(),
-                      [](char character) { return (static_cast<unsigned char>(character) & 0xC0U) != 0x80U; });
-    return static_cast<double>(characters) * widthOfOne * fontSize;
-}
-
-std::string SvgPage::Escape(std::string_view text)
+std::string Escape(std::string_view text)
 {
     std::string escaped;
     for (const char character : text)
@@ -56,21 +45,67 @@ std::string SvgPage::Escape(std::string_view text)
     return escaped;
 }
 
+std::string FormatKind(const SvgPage::Look& look)
+{
+    return look.kind.empty() ? std::string() : fmt::format(R"(class="{}" )", look.kind);
+}
+
+std::string FormatLook(const SvgPage::Look& look)
+{
+    return fmt::format(R"(fill="{}" stroke="{}" stroke-width="{}"{}{})", look.fill, look.stroke, look.strokeWidth,
+                       look.isDashed ? R"( stroke-dasharray="5 4")" : "",
+                       look.opacity < 1 ? fmt::format(R"( opacity="{}")", look.opacity) : "");
+}
+
+} // namespace
+
+double SvgPage::GetTextWidth(std::string_view text, double fontSize)
+{
+    return static_cast<double>(std::count_if(text.begin(), text.end(), IsFirstByte)) * widthOfCharacter * fontSize;
+}
+
+std::string SvgPage::Shorten(const std::string& text, double fontSize, double width)
+{
+    if (GetTextWidth(text, fontSize) <= width)
+    {
+        return text;
+    }
+    constexpr std::string_view dots = "...";
+    std::string shortened = text;
+    do
+    {
+        while (!shortened.empty() && !IsFirstByte(shortened.back()))
+        {
+            shortened.pop_back();
+        }
+        if (!shortened.empty())
+        {
+            shortened.pop_back();
+        }
+    } while (!shortened.empty() && GetTextWidth(shortened, fontSize) + GetTextWidth(dots, fontSize) > width);
+    return shortened.append(dots);
+}
+
 void SvgPage::AddBox(double x, double y, double width, double height, double radius, const Look& look,
                      std::string_view title)
 {
     fmt::format_to(std::back_inserter(body),
-                   R"(<rect x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{:.1f}" rx="{:.1f}" {})", x, y, width, height,
-                   radius, FormatLook(look));
+                   R"(<rect {}x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{:.1f}" rx="{:.1f}" {})", FormatKind(look),
+                   x, y, width, height, radius, FormatLook(look));
     body += title.empty() ? "/>\n" : fmt::format("><title>{}</title></rect>\n", Escape(title));
 }
 
-void SvgPage::AddText(double x, double y, std::string_view text, double fontSize, std::string_view colour, bool isBold)
+void SvgPage::AddText(double x, double y, std::string_view text, double fontSize, std::string_view colour, bool isBold,
+                      Anchor anchor)
 {
     fmt::format_to(std::back_inserter(body),
-                   R"(<text x="{:.1f}" y="{:.1f}" font-size="{}" fill="{}"{}>{}</text>)"
+                   R"(<text x="{:.1f}" y="{:.1f}" font-size="{}" fill="{}"{}{}>{}</text>)"
                    "\n",
-                   x, y, fontSize, colour, isBold ? R"( font-weight="bold")" : "", Escape(text));
+                   x, y, fontSize, colour, isBold ? R"( font-weight="bold")" : "",
+                   anchor == Anchor::Start    ? ""
+                   : anchor == Anchor::Middle ? R"( text-anchor="middle")"
+                                              : R"( text-anchor="end")",
+                   Escape(text));
 }
 
 void SvgPage::AddCurve(double fromX, double fromY, double toX, double toY, const Look& look)
@@ -85,9 +120,9 @@ void SvgPage::AddCurve(double fromX, double fromY, double toX, double toY, const
 void SvgPage::AddLine(double fromX, double fromY, double toX, double toY, const Look& look)
 {
     fmt::format_to(std::back_inserter(body),
-                   R"(<path d="M{:.1f} {:.1f} L{:.1f} {:.1f}" {}/>)"
+                   R"(<path {}d="M{:.1f} {:.1f} L{:.1f} {:.1f}" {}/>)"
                    "\n",
-                   fromX, fromY, toX, toY, FormatLook(look));
+                   FormatKind(look), fromX, fromY, toX, toY, FormatLook(look));
 }
 
 std::string SvgPage::Finish(double width, double height, std::string_view title) const

@@ -11,10 +11,10 @@ namespace Vela::Kiroctl
 class SvgPage
 {
 public:
-    /// Of one character at the given size.
+    /// Of a text at the given size.
     [[nodiscard]] static double GetTextWidth(std::string_view text, double fontSize);
-    /// A text as it stands in an element or attribute.
-    [[nodiscard]] static std::string Escape(std::string_view text);
+    /// The text if it fits, else its beginning and dots.
+    [[nodiscard]] static std::string Shorten(const std::string& text, double fontSize, double width);
 
     struct Look
     {
@@ -23,13 +23,22 @@ public:
         double strokeWidth = 1;
         bool isDashed = false;
         double opacity = 1;
+        /// What the element is, for whoever reads the document; empty: nothing in particular.
+        std::string kind = {};
+    };
+
+    enum class Anchor
+    {
+        Start,
+        Middle,
+        End,
     };
 
     /// @param title  shown when the pointer rests on it; empty: nothing
     void AddBox(double x, double y, double width, double height, double radius, const Look& look,
                 std::string_view title = {});
     void AddText(double x, double y, std::string_view text, double fontSize, std::string_view colour,
-                 bool isBold = false);
+                 bool isBold = false, Anchor anchor = Anchor::Start);
     /// A smooth line that leaves its start and reaches its end horizontally.
     void AddCurve(double fromX, double fromY, double toX, double toY, const Look& look);
     void AddLine(double fromX, double fromY, double toX, double toY, const Look& look);

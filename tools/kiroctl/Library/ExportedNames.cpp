@@ -1,7 +1,6 @@
 #include "ExportedNames.hpp"
 
-#include <Contract/Architecture.hpp>
-#include <elf.h>
+#include <Contract/ElfLayout.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -12,9 +11,9 @@ namespace Vela::Kiroctl
 namespace
 {
 
-using System::Kiro::Internal::Contract::Architecture;
-using System::Kiro::Internal::Contract::ReadAt;
-using System::Kiro::Internal::Contract::ReadBytes;
+namespace Contract = System::Kiro::Internal::Contract;
+using Contract::ReadAt;
+using Contract::ReadBytes;
 
 /// More than any library has: files may announce anything.
 constexpr std::uint64_t mostSymbols = 1'000'000;
@@ -31,11 +30,13 @@ String ReadText(const ReadBytes& read, std::uint64_t offset)
     return text;
 }
 
-template <typename Header, typename Section, typename Symbol>
+template <typename Layout>
 std::vector<String> ReadNames(const ReadBytes& read)
 {
+    using Section = typename Layout::Section;
+    using Symbol = typename Layout::Symbol;
     std::vector<String> names;
-    const auto header = ReadAt<Header>(read, 0);
+    const auto header = ReadAt<typename Layout::Header>(read, 0);
     const auto readSection = [&](std::uint64_t number)
     {
         return ReadAt<Section>(read, std::uint64_t{header->e_shoff} + number * sizeof(Section));
@@ -71,13 +72,7 @@ std::vector<String> ReadNames(const ReadBytes& read)
 
 std::vector<String> ReadExportedNames(const ReadBytes& read)
 {
-    const auto architecture = Architecture::Read(read);
-    if (!architecture || architecture->byteOrder != Architecture::GetOwn().byteOrder)
-    {
-        return {};
-    }
-    return architecture->wordClass == ELFCLASS64 ? ReadNames<Elf64_Ehdr, Elf64_Shdr, Elf64_Sym>(read)
-                                                 : ReadNames<Elf32_Ehdr, Elf32_Shdr, Elf32_Sym>(read);
+    return Contract::ReadInItsLayout(read, [&]<typename Layout>(Layout) { return ReadNames<Layout>(read); });
 }
 
 } // namespace Vela::Kiroctl

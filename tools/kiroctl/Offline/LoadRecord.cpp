@@ -1,5 +1,6 @@
 #include "LoadRecord.hpp"
 
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
@@ -78,6 +79,14 @@ Json LoadRecord::WriteFindings() const
                            {"related", finding.related.ToString()}});
     }
     return written;
+}
+
+XmlPosition LoadRecord::FindPlace(const String& element, const String& attribute) const
+{
+    const auto found =
+        std::find_if(attributes.rbegin(), attributes.rend(),
+                     [&](const ReadAttribute& read) { return read.element == element && read.name == attribute; });
+    return found == attributes.rend() ? XmlPosition() : found->position;
 }
 
 std::vector<Finding> LoadRecord::GetFindings() const

@@ -43,6 +43,8 @@ public:
     {
         return attributes;
     }
+    /// Where an attribute was read last; nowhere when it was not.
+    [[nodiscard]] XmlPosition FindPlace(const String& element, const String& attribute) const;
     [[nodiscard]] bool IsVariableUsed(const String& name) const
     {
         return usedVariables.contains(name);

@@ -13,20 +13,27 @@
 #include <Vela/System/Commons/Io/Directory.hpp>
 #include <Vela/System/Commons/Io/File.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
+#include <Vela/System/Commons/Xml/MultiXmlConfigDocument.hpp>
+#include <Vela/System/Nm/NotificationManagerSetup.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/System/Rsc/RscManagerOptions.hpp>
+
+#include <Scm/ScmSettings.hpp>
 
 namespace Vela::Kiroctl
 {
 
+namespace Settings = System::Kiro::Internal::Settings;
+
+using Settings::KiroSettings;
+using Settings::KiroSettingsLoader;
 using System::Commons::Environment;
 using System::Commons::EnvironmentData;
 using System::Commons::Diagnostics::Attempt;
 using System::Commons::Diagnostics::FindingCode;
 using System::Commons::Diagnostics::LoadObserver;
 using System::Commons::Io::Path;
-using System::Kiro::Internal::Settings::KiroSettings;
-using System::Kiro::Internal::Settings::KiroSettingsLoader;
+using System::Commons::Xml::MultiXmlConfigDocument;
 using System::Kiro::Internal::Sm::ComponentsController;
 using System::Kiro::Internal::Sm::ProcessesController;
 using System::Kiro::Internal::Sm::Config::KiroConfigurationLoader;
@@ -34,6 +41,10 @@ using System::Kiro::Internal::Sm::Data::ProcessData;
 
 namespace
 {
+
+/// Where the system configuration manager finds its settings, in the directory of that variable.
+constexpr const char* systemDirectoryVariable = "VELA_PATH_SYSTEM_DIR";
+constexpr const char* switchesPath = "System/Scm/Scm.settings";
 
 /// What every process of the runtime has before it reads its settings; the tool stands beside the runtime's executable.
 void SetupEnvironment(const String& processName)
@@ -49,6 +60,33 @@ void LoadSettings(const String& path, KiroSettings& settings)
     Attempt(FindingCode::UndefinedVariable, [&] { KiroSettingsLoader::Load(path, settings, false); });
 }
 
+/// Loads the files that settings name, with one wrong the others.
+void LoadNamedFiles(const KiroSettings& settings, const LoadRecord& record)
+{
+    using Settings::LogSettings;
+    using Settings::PathSettings;
+    const auto load = [&record](FindingCode code, const char* element, const char* attribute, auto&& step)
+    {
+        Attempt(code, step, record.FindPlace(element, attribute));
+    };
+    const String& log = settings.GetLogSettings().GetConfigFile();
+    if (!log.empty())
+    {
+        load(FindingCode::InvalidLogConfiguration, LogSettings::elementXmlName, LogSettings::configFileXmlName,
+             [&] { System::Commons::Diagnostics::LogManager::CheckConfiguration(log); });
+    }
+    load(FindingCode::InvalidRemotingSettings, Settings::RscSettings::elementXmlName, PathSettings::pathXmlName,
+         [&] { System::Rsc::RscManagerOptions::Load(settings.GetRscSettings().GetPath()); });
+    load(FindingCode::InvalidNotificationSettings, Settings::NmSettings::elementXmlName, PathSettings::pathXmlName,
+         [&] { System::Nm::NotificationManagerSetup::CheckSettings(settings.GetNmSettings().GetPath()); });
+    if (settings.GetSecuritySettings().HasPath())
+    {
+        load(FindingCode::InvalidSecuritySettings, Settings::SecuritySettings::elementXmlName,
+             PathSettings::pathXmlName,
+             [&] { System::Rsc::RscManager::CheckSecuritySettings(settings.GetSecuritySettings().GetPath()); });
+    }
+}
+
 } // namespace
 
 OfflineSystem::OfflineSystem(const SystemDocuments& systemDocuments, LoadRecord& loadRecord)
@@ -58,28 +96,28 @@ OfflineSystem::OfflineSystem(const SystemDocuments& systemDocuments, LoadRecord&
     SetupEnvironment(mainProcessName);
     LoadSettings(documents.settings, settings);
     Environment::SetupSettings(settings.GetEnvironmentVariables());
-    LoadNamedFiles();
+    LoadNamedFiles(settings, loadRecord);
+    LoadSwitches();
     Attempt(FindingCode::MalformedDocument,
             [&] { KiroConfigurationLoader::Load(documents.configuration, IsSingleProcess(), true, configuration); });
     ProcessesController::FillTable(configuration, IsSingleProcess(), mainProcessName, processes);
     ComponentsController::FillTables(configuration, IsSingleProcess(), mainProcessName, processes);
 }
 
-void OfflineSystem::LoadNamedFiles()
+void OfflineSystem::LoadSwitches()
 {
-    const String& logConfiguration = settings.GetLogSettings().GetConfigFile();
-    if (!logConfiguration.empty())
+    const String path = Path::Combine(Environment::GetVariableValueOr(systemDirectoryVariable, ""), switchesPath);
+    if (!System::Commons::Io::File::Exists(path))
     {
-        Attempt(FindingCode::InvalidLogConfiguration,
-                [&] { System::Commons::Diagnostics::LogManager::CheckConfiguration(logConfiguration); });
+        return;
     }
-    Attempt(FindingCode::InvalidRemotingSettings,
-            [&] { System::Rsc::RscManagerOptions::Load(settings.GetRscSettings().GetPath()); });
-    if (settings.GetSecuritySettings().HasPath())
+    System::Scm::ScmSettings switches;
+    MultiXmlConfigDocument(System::Scm::ScmSettings::documentXmlName, switches).Load(path);
+    for (const auto& [name, value] : switches.GetVariables())
     {
-        Attempt(FindingCode::InvalidSecuritySettings,
-                [&] { System::Rsc::RscManager::CheckSecuritySettings(settings.GetSecuritySettings().GetPath()); });
+        settings.GetEnvironmentVariables().AddVariable(Settings::EnvironmentVariable(name, value, false), false);
     }
+    settings.ResolveAndPublish(true);
 }
 
 void OfflineSystem::CheckChildSettings(const String& path, LoadRecord& loadRecord)
@@ -90,6 +128,7 @@ void OfflineSystem::CheckChildSettings(const String& path, LoadRecord& loadRecor
     SetupEnvironment("Child");
     KiroSettings settings;
     LoadSettings(path, settings);
+    LoadNamedFiles(settings, loadRecord);
 }
 
 bool OfflineSystem::IsStarted(const ProcessData& process)

@@ -50,7 +50,8 @@ public:
     System::Kiro::Internal::Sm::Data::ProcessTable processes;
 
 private:
-    void LoadNamedFiles();
+    /// What the system configuration manager switches on and off becomes variables.
+    void LoadSwitches();
 };
 
 } // namespace Vela::Kiroctl

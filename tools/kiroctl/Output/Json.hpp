@@ -2,6 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
+// Compiled once, in Json.cpp.
+extern template class nlohmann::basic_json<nlohmann::ordered_map>;
+
 namespace Vela::Kiroctl
 {
 

@@ -39,17 +39,49 @@ std::size_t GetSize(std::string_view text, std::size_t width)
     return size;
 }
 
-/// Breaks behind a blank, slash, comma or the like where there is one, otherwise anywhere.
+/// A text may be broken behind each of them.
+constexpr std::string_view separators = " /,;:@=";
+
+/// The longest part without a separator inside.
+std::size_t GetLongestPart(std::string_view text)
+{
+    std::size_t longest = 0;
+    while (!text.empty())
+    {
+        const std::size_t separator = std::min(text.find_first_of(separators), text.size() - 1);
+        const std::string_view part = text.substr(0, text[separator] == ' ' ? separator : separator + 1);
+        longest = std::max(longest, GetWidth(part));
+        text.remove_prefix(separator + 1);
+    }
+    return longest;
+}
+
+/// The end of the last part in front of `size` at which a capital follows a small letter; 0 without one.
+std::size_t FindCapital(std::string_view text, std::size_t size)
+{
+    const auto isIn = [](char character, char first, char last)
+    {
+        return character >= first && character <= last;
+    };
+    while (size > 0 && !(isIn(text[size], 'A', 'Z') && isIn(text[size - 1], 'a', 'z')))
+    {
+        --size;
+    }
+    return size;
+}
+
+/// Breaks behind a separator where there is one, otherwise in front of a capital, otherwise anywhere.
 std::vector<std::string_view> Break(std::string_view text, std::size_t width)
 {
     std::vector<std::string_view> lines;
     while (GetWidth(text) > width)
     {
         const std::size_t size = GetSize(text, width);
-        std::size_t end = text[size] == ' ' ? size : text.find_last_of(" /,;:@=", size - 1) + 1;
-        if (end == 0 || end < size / 3)
+        std::size_t end = text[size] == ' ' ? size : text.find_last_of(separators, size - 1) + 1;
+        if (end < size / 3 + 1)
         {
-            end = size;
+            const std::size_t capital = FindCapital(text, size);
+            end = capital > size / 3 ? capital : size;
         }
         const std::string_view line = text.substr(0, end);
         lines.push_back(line.substr(0, line.find_last_not_of(' ') + 1));
@@ -58,6 +90,29 @@ std::vector<std::string_view> Break(std::string_view text, std::size_t width)
     }
     lines.push_back(text);
     return lines;
+}
+
+/// Takes from the widest columns, as long as one is wider than it must be and all together are too wide.
+void Squeeze(std::vector<std::size_t>& widths, std::size_t& total, std::size_t maxTotal,
+             const std::vector<std::size_t>& smallest)
+{
+    while (total > maxTotal)
+    {
+        std::size_t* widest = nullptr;
+        for (std::size_t i = 0; i < widths.size(); ++i)
+        {
+            if (widths[i] > smallest[i] && (widest == nullptr || widths[i] > *widest))
+            {
+                widest = &widths[i];
+            }
+        }
+        if (widest == nullptr)
+        {
+            return;
+        }
+        --*widest;
+        --total;
+    }
 }
 
 } // namespace
@@ -85,26 +140,26 @@ bool Table::IsEmpty() const noexcept
 std::vector<std::size_t> Table::ChooseWidths(std::size_t maxWidth) const
 {
     std::vector<std::size_t> widths;
+    std::vector<std::size_t> longestParts;
     std::size_t total = 0;
     for (std::size_t i = 0; i < columns.size(); ++i)
     {
         std::size_t width = GetWidth(columns[i].heading);
+        std::size_t part = GetLongestPart(columns[i].heading);
         for (const auto& row : rows)
         {
             width = std::max(width, GetWidth(row[i].text));
+            part = std::max(part, GetLongestPart(row[i].text));
         }
         widths.push_back(width);
+        longestParts.push_back(part);
         total += width + (i == 0 ? 0 : gap);
     }
-    while (maxWidth > 0 && total > maxWidth)
+    if (maxWidth > 0)
     {
-        const auto widest = std::max_element(widths.begin(), widths.end());
-        if (*widest <= minSqueezedWidth)
-        {
-            break;
-        }
-        --*widest;
-        --total;
+        // Words are broken only where nothing else helps.
+        Squeeze(widths, total, maxWidth, longestParts);
+        Squeeze(widths, total, maxWidth, std::vector<std::size_t>(widths.size(), minSqueezedWidth));
     }
     return widths;
 }

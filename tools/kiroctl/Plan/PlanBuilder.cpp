@@ -37,16 +37,9 @@ std::size_t CountErrors(const LoadRecord& record)
 {
     using namespace System::Commons::Diagnostics;
     const auto findings = record.GetFindings();
-    return static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(),
-                                                  [](const Finding& finding)
-                                                  {
-                                                      return std::any_of(
-                                                          findingDescriptions.begin(), findingDescriptions.end(),
-                                                          [&](const FindingDescription& description) {
-                                                              return description.code == finding.code &&
-                                                                     description.severity == FindingSeverity::Error;
-                                                          });
-                                                  }));
+    return static_cast<std::size_t>(std::count_if(
+        findings.begin(), findings.end(),
+        [](const Finding& finding) { return Describe(finding.code).severity == FindingSeverity::Error; }));
 }
 
 } // namespace

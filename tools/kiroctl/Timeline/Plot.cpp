@@ -1,11 +1,11 @@
 #include "Plot.hpp"
 
 #include "../Client/Format.hpp"
+#include "../Graph/SvgPage.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 #include <map>
 
@@ -20,12 +20,18 @@ constexpr double margin = 16;
 constexpr double labelWidth = 220;
 constexpr double chartLeft = margin + labelWidth;
 constexpr double chartWidth = pageWidth - chartLeft - margin;
-constexpr double headHeight = 92;
+/// With two rows of the legend.
+constexpr double headHeight = 102;
 constexpr double rowHeight = 18;
 constexpr double barHeight = 12;
 constexpr double laneGap = 10;
-/// What a letter takes, about.
-constexpr double letterWidth = 6.2;
+constexpr double legendTop = 58;
+constexpr double textSize = 11;
+constexpr double smallSize = 10;
+
+constexpr const char* ink = "#222222";
+constexpr const char* faintInk = "#666666";
+constexpr const char* failure = "#c00000";
 
 struct PhaseColour
 {
@@ -48,39 +54,6 @@ std::string_view GetColour(std::string_view phase)
     const auto found = std::find_if(std::begin(colours), std::end(colours),
                                     [&](const PhaseColour& entry) { return entry.phase == phase; });
     return found == std::end(colours) ? "#666666" : found->colour;
-}
-
-std::string Escape(std::string_view text)
-{
-    std::string escaped;
-    for (const char character : text)
-    {
-        switch (character)
-        {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            // XML has no way to write most control characters.
-            escaped += static_cast<unsigned char>(character) < 0x20 ? ' ' : character;
-        }
-    }
-    return escaped;
-}
-
-std::string Shorten(const std::string& text, double width)
-{
-    const auto letters = static_cast<std::size_t>(width / letterWidth);
-    return text.size() <= letters ? text : text.substr(0, letters > 3 ? letters - 3 : 0) + "...";
 }
 
 /// The rows of one process: its own first, then its components by the begin of their first step.
@@ -119,10 +92,10 @@ std::map<std::string, Lane> MakeLanes(const Timeline& timeline)
     return lanes;
 }
 
-class Page
+class Drawing
 {
 public:
-    explicit Page(const Timeline& drawnTimeline)
+    explicit Drawing(const Timeline& drawnTimeline)
         : timeline(drawnTimeline)
         , lanes(MakeLanes(drawnTimeline))
     {
@@ -140,39 +113,37 @@ public:
         height = headHeight + laneGap;
         for (const auto& [process, lane] : lanes)
         {
-            height += rowHeight * static_cast<double>(1 + lane.components.size()) + laneGap;
+            height += GetHeight(lane) + laneGap;
         }
         height += rowHeight + margin;
     }
 
     std::string Draw()
     {
-        Add(R"(<svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" viewBox="0 0 {0:.0f} {1:.0f}" font-family="Helvetica, Arial, sans-serif" font-size="11">)",
-            pageWidth, height);
-        Add(R"(<rect class="page" width="{:.0f}" height="{:.0f}" fill="#ffffff"/>)", pageWidth, height);
-        Add(R"(<text x="{}" y="26" font-size="17" font-weight="bold" fill="#222222">System '{}': {}</text>)", margin,
-            Escape(timeline.system), FormatDuration((last - first) / 1000));
-        Add(R"(<text x="{}" y="44" fill="#666666">from {}{}</text>)", margin,
-            FormatTime(timeline.origin + first / 1000),
-            timeline.dropped == 0 ? "" : fmt::format("; {} later steps are not recorded", timeline.dropped));
+        const std::string title =
+            fmt::format("System '{}': {}", timeline.system, FormatDuration((last - first) / 1000));
+        page.AddText(margin, 26, title, 17, ink, true);
+        page.AddText(margin, 44,
+                     fmt::format("from {}{}", FormatTime(timeline.origin + first / 1000),
+                                 timeline.dropped == 0
+                                     ? ""
+                                     : fmt::format("; {} later steps are not recorded", timeline.dropped)),
+                     textSize, faintInk);
         DrawPhases();
         DrawAxis();
         double y = headHeight + laneGap;
         for (const auto& [process, lane] : lanes)
         {
             DrawLane(process, lane, y);
-            y += rowHeight * static_cast<double>(1 + lane.components.size()) + laneGap;
+            y += GetHeight(lane) + laneGap;
         }
-        text += "</svg>\n";
-        return text;
+        return page.Finish(pageWidth, height, title);
     }
 
 private:
-    template <typename... Args>
-    void Add(fmt::format_string<Args...> format, Args&&... args)
+    static double GetHeight(const Lane& lane)
     {
-        fmt::format_to(std::back_inserter(text), format, std::forward<Args>(args)...);
-        text += '\n';
+        return rowHeight * static_cast<double>(1 + lane.components.size());
     }
 
     [[nodiscard]] double GetX(std::int64_t time) const
@@ -183,22 +154,31 @@ private:
     /// Bands behind everything, a legend above them.
     void DrawPhases()
     {
-        double legend = margin;
+        constexpr double square = 11;
+        constexpr double gap = 12;
+        double legendX = margin;
+        double legendY = legendTop;
         for (const TimedStep& step : timeline.steps)
         {
             if (step.subject != "phase")
             {
                 continue;
             }
+            const std::string colour(GetColour(step.step));
+            const std::string duration = FormatDuration(GetTime(step) / 1000);
             const double x = GetX(step.begin);
-            const double width = GetX(step.end) - x;
-            Add(R"(<rect class="phase" x="{:.2f}" y="{:.1f}" width="{:.2f}" height="{:.1f}" fill="{}" fill-opacity="0.08"><title>{}: {}</title></rect>)",
-                x, headHeight, width, height - headHeight - rowHeight - margin, GetColour(step.step), Escape(step.step),
-                FormatDuration(GetTime(step) / 1000));
-            const std::string label = fmt::format("{} {}", step.step, FormatDuration(GetTime(step) / 1000));
-            Add(R"(<rect x="{:.1f}" y="58" width="11" height="11" fill="{}"/><text x="{:.1f}" y="67.5" fill="#333333">{}</text>)",
-                legend, GetColour(step.step), legend + 15, Escape(label));
-            legend += 15 + letterWidth * static_cast<double>(label.size()) + 12;
+            page.AddBox(x, headHeight, GetX(step.end) - x, height - headHeight - rowHeight - margin, 0,
+                        {.fill = colour, .opacity = 0.08, .kind = "phase"}, fmt::format("{}: {}", step.step, duration));
+            const std::string label = step.step + " " + duration;
+            const double width = square + 4 + SvgPage::GetTextWidth(label, textSize);
+            if (legendX + width > pageWidth - margin)
+            {
+                legendX = margin;
+                legendY += rowHeight;
+            }
+            page.AddBox(legendX, legendY, square, square, 0, {.fill = colour});
+            page.AddText(legendX + square + 4, legendY + 9.5, label, textSize, ink);
+            legendX += width + gap;
         }
     }
 
@@ -216,32 +196,27 @@ private:
         {
             const double time = step * mark;
             const double x = chartLeft + chartWidth * time / total;
-            Add(R"(<line x1="{0:.2f}" y1="{1}" x2="{0:.2f}" y2="{2:.1f}" stroke="#d5d9de" stroke-width="0.6"/>)", x,
-                headHeight, bottom);
-            Add(R"(<text x="{:.2f}" y="{:.1f}" text-anchor="{}" fill="#666666" font-size="10">{}</text>)", x,
-                bottom + 14,
-                time == 0                 ? "start"
-                : total - time < step / 2 ? "end"
-                                          : "middle",
-                time == 0 ? "0" : FormatDuration(static_cast<std::int64_t>(time / 1000)));
+            page.AddLine(x, headHeight, x, bottom, {.stroke = "#d5d9de", .strokeWidth = 0.6});
+            page.AddText(x, bottom + 14, mark == 0 ? "0" : FormatDuration(static_cast<std::int64_t>(time / 1000)),
+                         smallSize, faintInk, false,
+                         mark == 0                 ? SvgPage::Anchor::Start
+                         : total - time < step / 2 ? SvgPage::Anchor::End
+                                                   : SvgPage::Anchor::Middle);
         }
     }
 
     void DrawLane(const std::string& process, const Lane& lane, double y)
     {
-        const double laneHeight = rowHeight * static_cast<double>(1 + lane.components.size());
-        Add(R"(<rect class="lane" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{:.1f}" fill="none" stroke="#b8bfc7" stroke-width="0.8" rx="3"/>)",
-            margin / 2, y, pageWidth - margin, laneHeight);
-        Add(R"(<text x="{}" y="{:.1f}" font-weight="bold" fill="#222222">{}</text>)", margin, y + 13,
-            Escape(Shorten(process, labelWidth)));
+        page.AddBox(margin / 2, y, pageWidth - margin, GetHeight(lane), 3,
+                    {.stroke = "#b8bfc7", .strokeWidth = 0.8, .kind = "lane"});
+        page.AddText(margin, y + 13, SvgPage::Shorten(process, textSize, labelWidth), textSize, ink, true);
         DrawBars(lane.own, y);
         for (const auto& [component, steps] : lane.components)
         {
             y += rowHeight;
-            Add(R"(<text x="{}" y="{:.1f}" fill="#333333">{}</text>)", margin + 10, y + 13,
-                Escape(Shorten(component, labelWidth - 10)));
-            Add(R"(<line class="wait" x1="{:.2f}" y1="{:.1f}" x2="{:.2f}" y2="{:.1f}" stroke="#9aa5b1" stroke-width="1" stroke-dasharray="2 2"/>)",
-                GetX(steps.front()->begin), y + rowHeight / 2, GetX(steps.back()->end), y + rowHeight / 2);
+            page.AddText(margin + 10, y + 13, SvgPage::Shorten(component, textSize, labelWidth - 20), textSize, ink);
+            page.AddLine(GetX(steps.front()->begin), y + rowHeight / 2, GetX(steps.back()->end), y + rowHeight / 2,
+                         {.stroke = "#9aa5b1", .isDashed = true, .kind = "wait"});
             DrawBars(steps, y);
         }
     }
@@ -250,29 +225,29 @@ private:
     {
         for (const TimedStep* step : steps)
         {
-            const double x = std::min(GetX(step->begin), chartLeft + chartWidth - 0.8);
-            const double width = std::max(0.8, GetX(step->end) - x);
+            constexpr double narrowest = 0.8;
+            const double x = std::min(GetX(step->begin), chartLeft + chartWidth - narrowest);
+            const double width = std::max(narrowest, GetX(step->end) - x);
             const bool hasFailed = step->outcome == "failed";
             const bool isRunning = step->outcome == "running";
-            Add(R"(<rect class="bar" x="{:.2f}" y="{:.1f}" width="{:.2f}" height="{}" fill="{}"{}><title>{}: {}{}</title></rect>)",
-                x, y + (rowHeight - barHeight) / 2, width, barHeight, GetColour(step->phase),
-                hasFailed   ? R"( stroke="#c00000" stroke-width="2")"
-                : isRunning ? R"( stroke="#222222" stroke-width="1" stroke-dasharray="3 2")"
-                            : "",
-                Escape(Describe(*step)), FormatDuration(GetTime(*step) / 1000),
-                hasFailed   ? ", failed"
-                : isRunning ? ", running"
-                            : "");
+            SvgPage::Look look{.fill = std::string(GetColour(step->phase)), .isDashed = isRunning, .kind = "bar"};
+            if (hasFailed || isRunning)
+            {
+                look.stroke = hasFailed ? failure : ink;
+                look.strokeWidth = hasFailed ? 2 : 1;
+            }
+            page.AddBox(x, y + (rowHeight - barHeight) / 2, width, barHeight, 0, look,
+                        fmt::format("{}: {}{}", Describe(*step), FormatDuration(GetTime(*step) / 1000),
+                                    step->outcome == "done" ? "" : ", " + step->outcome));
             if (hasFailed)
             {
                 const bool isAtEnd = x + width + 60 > pageWidth - margin;
-                Add(R"(<text x="{:.2f}" y="{:.1f}" text-anchor="{}" fill="#c00000" font-weight="bold">failed</text>)",
-                    isAtEnd ? x - 5 : x + width + 5, y + 13, isAtEnd ? "end" : "start");
+                page.AddText(isAtEnd ? x - 5 : x + width + 5, y + 13, "failed", textSize, failure, true,
+                             isAtEnd ? SvgPage::Anchor::End : SvgPage::Anchor::Start);
             }
-            else if (const std::string label = Shorten(step->step, width - 6); width > 60)
+            else if (width > 60)
             {
-                Add(R"(<text x="{:.2f}" y="{:.1f}" fill="#ffffff" font-size="10">{}</text>)", x + 4, y + 12.6,
-                    Escape(label));
+                page.AddText(x + 4, y + 12.6, SvgPage::Shorten(step->step, smallSize, width - 6), smallSize, "#ffffff");
             }
         }
     }
@@ -282,14 +257,14 @@ private:
     std::int64_t first = std::numeric_limits<std::int64_t>::max();
     std::int64_t last = std::numeric_limits<std::int64_t>::min();
     double height = 0;
-    std::string text;
+    SvgPage page;
 };
 
 } // namespace
 
 std::string Plot(const Timeline& timeline)
 {
-    return Page(timeline).Draw();
+    return Drawing(timeline).Draw();
 }
 
 } // namespace Vela::Kiroctl
