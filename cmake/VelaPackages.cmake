@@ -62,7 +62,7 @@ vela_add_package(runtime NAME vela-kiro SECTION misc
 The executable Vela.System.Application is every process of a controller
 system: it starts the other processes, loads component libraries and
 drives their components through one lifecycle."
-  CONTROL "${packaging}/triggers" "${packaging}/postinst" "${packaging}/postrm"
+  CONTROL "${packaging}/triggers" "${packaging}/postinst" "${packaging}/prerm" "${packaging}/postrm"
     "${CMAKE_CURRENT_BINARY_DIR}/packaging/shlibs")
 vela_install_compressed("${packaging}/Vela.System.Application.1" share/man/man1/Vela.System.Application.1.gz runtime)
 set(CPACK_DEBIAN_RUNTIME_DEBUGINFO_PACKAGE ON)

@@ -17,7 +17,9 @@ install_missing() {
   [ "${#missing[@]}" -eq 0 ] && return 0
   echo "Installing: ${missing[*]}"
   as_root apt-get update -qq
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  # Another installation, such as the daily upgrade of a fresh machine, is waited for.
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 install -y -qq \
+    --no-install-recommends "${missing[@]}" >/dev/null
 }
 
 # The mirror of the machine's own Debian release.

@@ -19,6 +19,10 @@ prepare_sysroot() {
 register_emulator() {
   local formats=/proc/sys/fs/binfmt_misc
   [ ! -e "$formats/qemu-arm" ] || return 0
-  [ -e "$formats/register" ] || as_root mount -t binfmt_misc binfmt_misc "$formats"
-  as_root tee "$formats/register" </usr/lib/binfmt.d/qemu-arm.conf >/dev/null
+  { [ -e "$formats/register" ] || as_root mount -t binfmt_misc binfmt_misc "$formats"; } &&
+    as_root tee "$formats/register" </usr/lib/binfmt.d/qemu-arm.conf >/dev/null || {
+    echo "This kernel does not let programs be run by an emulator (binfmt_misc): what starts processes of the target" \
+      "cannot be tried here. ./dev cross --build works without." >&2
+    return 1
+  }
 }
