@@ -35,9 +35,10 @@ const Parsed parsedTexts[] = {
     {"0001.2.3.4", {1, 2, 3, 4}, "1.2.3.4"},
 };
 
-const char* const refusedTexts[] = {"abc", "", "1.2.3.4.5", "-1.2", " 1.2", "1.2.3.4beta", "Release (x)", "Release(1.2.3.4)",
-                               // Numbers above their field.
-                               "256.0.0.0", "1.256", "1.2.256", "1.2.3.4294967296", "Release (1.300)"};
+const char* const refusedTexts[] = {"abc", "", "1.2.3.4.5", "-1.2", " 1.2", "1.2.3.4beta", "Release (x)",
+                                    "Release(1.2.3.4)",
+                                    // Numbers above their field.
+                                    "256.0.0.0", "1.256", "1.2.256", "1.2.3.4294967296", "Release (1.300)"};
 
 void ExpectRefused(const String& text)
 {
