@@ -246,7 +246,8 @@ std::size_t ThreadStacks::Log()
     const auto stacks = Collect();
     for (const ThreadStack& stack : stacks)
     {
-        String text = fmt::format("Thread '{}' ({})", stack.name, stack.id);
+        String text = stack.name.empty() ? fmt::format("Thread {}", stack.id)
+                                         : fmt::format("Thread '{}' ({})", stack.name, stack.id);
         text += stack.activity.empty() ? "" : ", " + stack.activity;
         text += stack.frames.empty() ? " does not answer." : ":";
         for (const String& frame : stack.frames)
