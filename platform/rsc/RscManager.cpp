@@ -5,8 +5,10 @@
 #include <Vela/AppDomainSingleton.hpp>
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
+#include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 
+#include <charconv>
 #include <utility>
 
 namespace Vela::System::Rsc
@@ -56,6 +58,23 @@ RscManager& RscManager::CreateInstance(const String& applicationName, int port, 
 void RscManager::CheckSecuritySettings(const String& path)
 {
     static_cast<void>(AccessControl::Load(path));
+}
+
+std::uint16_t RscManager::FindGatewayPort()
+{
+    String text;
+    if (!Commons::Environment::GetVariableValue(gatewayPortVariable, text) || text.empty())
+    {
+        return 0;
+    }
+    std::uint16_t port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    if (error != std::errc() || end != text.data() + text.size())
+    {
+        throw InvalidOperationException("Environment variable '{0}' has the value '{1}', which is no TCP port.",
+                                        gatewayPortVariable, text);
+    }
+    return port;
 }
 
 bool RscManager::DisposeInstance()

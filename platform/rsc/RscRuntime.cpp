@@ -12,7 +12,6 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
 #include <utility>
 
 namespace Vela::System::Rsc
@@ -67,19 +66,7 @@ std::uint16_t ChoosePort(int requested)
         }
         return static_cast<std::uint16_t>(requested);
     }
-    String text;
-    if (!Environment::GetVariableValue(RscManager::gatewayPortVariable, text) || text.empty())
-    {
-        return 0;
-    }
-    std::uint16_t port = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-    if (error != std::errc() || end != text.data() + text.size())
-    {
-        throw InvalidOperationException("Environment variable '{0}' has the value '{1}', which is no TCP port.",
-                                        RscManager::gatewayPortVariable, text);
-    }
-    return port;
+    return RscManager::FindGatewayPort();
 }
 
 } // namespace
@@ -180,7 +167,7 @@ void RscRuntime::Publish(const ServiceKey& key, IRscServiceFactory& factory)
     }
     auto stub = factory.CreateServiceStub(key.serviceName.c_str(), accessControl.get());
     const std::lock_guard lock(publishMutex);
-    registry->Publish(key, factory.GetInterfaceName(), std::move(stub));
+    registry->Publish(key, factory.GetInterfaceName(), std::move(stub), ServiceUses::GetActingComponent());
     if (key.provider.empty() || linkedComponents.contains(key.provider))
     {
         return;
@@ -225,6 +212,28 @@ bool RscRuntime::UnpublishLeft(const ServiceKey& key)
     }
     // Closing has waited for the calls already.
     return left == nullptr || left->Withdraw(Selector(key), Clock::now());
+}
+
+std::optional<RscServiceBinding> RscRuntime::Find(const ServiceProvider& provider, const String& interfaceName,
+                                                  std::chrono::milliseconds timeout,
+                                                  std::span<const int> wakeDescriptors, String& why)
+{
+    auto binding = finder.Bind(provider, interfaceName, timeout, wakeDescriptors, why);
+    if (binding)
+    {
+        uses.Add(provider, interfaceName);
+    }
+    return binding;
+}
+
+std::vector<PublishedService> RscRuntime::GetPublished() const
+{
+    return registry->List();
+}
+
+std::vector<UsedService> RscRuntime::GetUsed() const
+{
+    return uses.List();
 }
 
 bool RscRuntime::Close() noexcept

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Client/ServiceFinder.hpp"
+#include "Client/ServiceUses.hpp"
 #include "Server/Endpoint.hpp"
 #include "Server/ServiceRegistry.hpp"
 #include "Transport/RuntimeDirectory.hpp"
@@ -15,6 +16,8 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <span>
+#include <vector>
 
 namespace Vela::System::Rsc
 {
@@ -58,6 +61,13 @@ public:
         return finder;
     }
 
+    /// As the finder, and remembers what was found.
+    std::optional<RscServiceBinding> Find(const ServiceProvider& provider, const String& interfaceName,
+                                          std::chrono::milliseconds timeout, std::span<const int> wakeDescriptors,
+                                          String& why);
+    [[nodiscard]] std::vector<PublishedService> GetPublished() const;
+    [[nodiscard]] std::vector<UsedService> GetUsed() const;
+
     /// Closes everything; the second call does nothing.
     /// @return false when a call is still running
     bool Close() noexcept;
@@ -86,6 +96,7 @@ private:
     const std::shared_ptr<const AccessControl> accessControl;
     const std::shared_ptr<ServiceRegistry> registry;
     ServiceFinder finder;
+    ServiceUses uses;
     int port = 0;
     std::optional<Endpoint> endpoint;
 

@@ -3,6 +3,7 @@
 #include <Vela/Exceptions.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 #include <Vela/System/Rsc/ServiceManager.hpp>
+#include <Vela/System/Rsc/ServiceUsage.hpp>
 #include <Vela/TypeName.hpp>
 
 #include <utility>
@@ -89,7 +90,7 @@ RscServiceBinding ServiceManager::Bind(const RscServiceProxyFactoryBase& factory
     const auto timeout =
         runtime->GetFinder().IsOwn(provider) ? std::chrono::milliseconds(0) : runtime->GetOptions().connectTimeout;
     String why;
-    if (auto binding = runtime->GetFinder().Bind(provider, factory.GetInterfaceName(), timeout, {}, why))
+    if (auto binding = runtime->Find(provider, factory.GetInterfaceName(), timeout, {}, why))
     {
         return *std::move(binding);
     }
@@ -106,7 +107,19 @@ std::optional<RscServiceBinding> ServiceManager::TryBind(const RscServiceProxyFa
 {
     CheckProvider(provider);
     String why;
-    return GetRuntime()->GetFinder().Bind(provider, factory.GetInterfaceName(), timeout, wakeDescriptors, why);
+    return GetRuntime()->Find(provider, factory.GetInterfaceName(), timeout, wakeDescriptors, why);
+}
+
+std::vector<PublishedService> ServiceUsage::GetPublished()
+{
+    const auto runtime = RscRuntime::TryGetInstance();
+    return runtime != nullptr ? runtime->GetPublished() : std::vector<PublishedService>();
+}
+
+std::vector<UsedService> ServiceUsage::GetUsed()
+{
+    const auto runtime = RscRuntime::TryGetInstance();
+    return runtime != nullptr ? runtime->GetUsed() : std::vector<UsedService>();
 }
 
 } // namespace Vela::System::Rsc

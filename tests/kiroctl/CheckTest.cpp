@@ -54,7 +54,7 @@ protected:
 <EnvironmentVariable name="B" value="${A}"/>
 <EnvironmentVariable name="C" value="${NOWHERE}"/>
 <EnvironmentVariable name="D" value="1"/>
-<EnvironmentVariable name="D" value="2"/>
+<EnvironmentVariable name="D" value="2"/><EnvironmentVariable name="VelaGatewayPort" value="70000"/>
 <EnvironmentVariable name="R" value="2" redefine="true"/>
 <EnvironmentVariable name="O" value="2" redefine="true" override="true"/>
 </EnvironmentVariables>
@@ -183,6 +183,7 @@ K1106 Default.kiro.settings:8
 K1106 Default.kiro.settings:10
 K1106 Default.kiro.settings:11
 K1106 Default.kiro.settings:14
+K1505 Default.kiro.settings:12
 )");
     const Json& included = answer["findings"][7];
     EXPECT_EQ(included["includedFrom"].dump(),

@@ -158,6 +158,52 @@ TEST_F(RunningSystemTest, AHealthySystemAnswersAllCommands)
     EXPECT_EQ(Ask({"status"}).code, 3);
 }
 
+TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
+{
+    ConfigurePlant();
+    WriteScript("Tank1 PublishServices publish\nTank2 Start call Tank1 sleep 0\nPanel LoadConfig call Tank1 sleep 0\n");
+    StartedProcess main = system.Start();
+    main.AwaitLine(isUp);
+
+    const std::string name = "Vela.Testing.IRecordingService";
+    const json expected{
+        {"name", name},
+        {"interface", name},
+        {"process", "Left"},
+        {"component", "Tank1"},
+        {"users",
+         {{{"process", "MainProcess"}, {"component", "Panel"}}, {{"process", "Right"}, {"component", "Tank2"}}}}};
+    EXPECT_EQ(AskJson({"services", "--component", "Tank2"}), json::array({expected}));
+    EXPECT_EQ(AskJson({"services", "--component", "Nobody"}), json::array());
+    const json all = AskJson({"services"});
+    EXPECT_EQ(std::count(all.begin(), all.end(), expected), 1);
+    const auto diagnostics = std::count_if(
+        all.begin(), all.end(),
+        [](const json& service) { return service["name"].get<std::string>().ends_with(".IDiagnosticsService"); });
+    EXPECT_EQ(diagnostics, 3) << "each process has its own";
+    EXPECT_TRUE(std::regex_search(Ask({"services"}).text, std::regex(name + " +Left +Tank1 +Panel Tank2")));
+
+    const json graph = AskJson({"graph", "--running"});
+    const std::string node = "service " + name + " of component Tank1";
+    EXPECT_EQ(FindNamed(graph["nodes"], node)["kind"], "service");
+    for (const auto& [kind, from] : {std::pair("publishes", "Tank1"), {"uses", "Tank2"}, {"uses", "Panel"}})
+    {
+        const json edge{{"kind", kind}, {"from", from}, {"to", node}};
+        EXPECT_EQ(std::count(graph["edges"].begin(), graph["edges"].end(), edge), 1) << edge;
+    }
+    const std::string dot = Ask({"graph", "--running", "--format", "dot"}).text;
+    EXPECT_NE(dot.find("\"component Panel\" -> \"" + node + "\" [style=dashed];"), std::string::npos) << dot;
+    const std::string svg = Ask({"graph", "--running"}).text;
+    StartedProcess lint("/usr/bin/xmllint", {"--noout", system.directory.Write("graph.svg", svg)});
+    EXPECT_EQ(lint.AwaitEnd(), 0) << lint.GetOutput();
+    for (const std::string& drawn : {std::string(">IRecordingService<"), "Tank2 uses " + name, "Panel uses " + name})
+    {
+        EXPECT_NE(svg.find(drawn), std::string::npos) << drawn;
+    }
+    main.Signal(SIGTERM);
+    EXPECT_EQ(main.AwaitEnd(), 0);
+}
+
 TEST_F(RunningSystemTest, TheTimesOfAStartAreDrawnRankedAndHeldToABudget)
 {
     ConfigurePlant();

@@ -1,6 +1,8 @@
 #include "RscFixture.hpp"
 
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/Diagnostics/Breadcrumb.hpp>
+#include <Vela/System/Rsc/ServiceUsage.hpp>
 
 #include <ThrownMessage.hpp>
 #include <gmock/gmock.h>
@@ -12,6 +14,7 @@
 #include <array>
 #include <chrono>
 #include <future>
+#include <tuple>
 
 namespace Vela::System::Rsc::Testing
 {
@@ -89,6 +92,52 @@ TEST_F(Lookup, FindsServicesOfTheOwnProcess)
     EXPECT_TRUE(Answers(GetService(ServiceProvider::Component("Pump"))));
     EXPECT_TRUE(Answers(ServiceManager::GetService(TestServiceProxyFactory(ServiceProvider::MainProcess()))));
     EXPECT_THROW(PublishOwn(), InvalidOperationException) << "published twice";
+}
+
+TEST_F(Lookup, TellsWhoPublishesAndWhoUsesServices)
+{
+    EXPECT_TRUE(ServiceUsage::GetPublished().empty());
+    EXPECT_TRUE(ServiceUsage::GetUsed().empty());
+    Open();
+    PublishOwn();
+    StartPeer("Other");
+    const String pump = "Pump";
+    const String library = "Pumps";
+    {
+        const Commons::Diagnostics::Breadcrumb step("PublishServices", "component", pump);
+        ServiceManager::PublishService({}, "Second", ownFactory);
+        ServiceManager::PublishComponentService(pump, "Third", &ownFactory);
+        GetService("Other");
+        GetService("Other");
+    }
+    {
+        const Commons::Diagnostics::Breadcrumb step("LoadLibrary", "library", library);
+        GetService(ServiceProvider::Component(pump, "Third"));
+    }
+    EXPECT_EQ(TryGetService(ServiceProvider::Process("Nobody"), 0ms), nullptr);
+
+    const char* const interface = OperationTable<ITestService>::interfaceName;
+    std::vector<std::tuple<String, String, String, String>> published;
+    for (const PublishedService& service : ServiceUsage::GetPublished())
+    {
+        published.emplace_back(service.provider, service.serviceName, service.interfaceName, service.publisher);
+    }
+    EXPECT_THAT(published, testing::ElementsAre(std::tuple("", interface, interface, ""),
+                                                std::tuple("", "Second", interface, pump),
+                                                std::tuple(pump, "Third", interface, pump)));
+    EXPECT_EQ(ServiceUsage::GetUsed(),
+              (std::vector<UsedService>{{"", ServiceProvider::Kind::Component, pump, "Third"},
+                                        {pump, ServiceProvider::Kind::Process, "Other", interface}}));
+
+    ServiceManager::UnpublishService({}, "Second");
+    EXPECT_EQ(ServiceUsage::GetPublished().size(), 2U);
+    for (int i = 0; i < 2000; ++i)
+    {
+        const String user = fmt::format("User{}", i);
+        const Commons::Diagnostics::Breadcrumb step("Start", "component", user);
+        GetService(ownName);
+    }
+    EXPECT_EQ(ServiceUsage::GetUsed().size(), 1024U) << "memory is bounded";
 }
 
 TEST_F(Lookup, WaitsForAProcessThatIsStarting)

@@ -22,6 +22,7 @@ Create CreateLogLevel;
 Create CreatePowerDown;
 Create CreateProcesses;
 Create CreateResolve;
+Create CreateServices;
 Create CreateRestart;
 Create CreateShutdown;
 Create CreateStatus;
@@ -40,10 +41,11 @@ std::span<const CommandEntry> GetCommands()
     static constexpr CommandEntry commands[] = {
         {"check", before, "Tell what is wrong with documents and libraries", &CreateCheck},
         {"plan", before, "Show what would be started, in which order, and why", &CreatePlan},
-        {"graph", before, "Draw processes, components and libraries", &CreateGraph},
+        {"graph", before, "Draw processes, components, libraries and services", &CreateGraph},
         {"status", running, "Show how the system does", &CreateStatus},
         {"processes", running, "List the processes and what they take", &CreateProcesses},
         {"components", running, "List the components and how far they are", &CreateComponents},
+        {"services", running, "List the services and who uses them", &CreateServices},
         {"explain", running, "Tell where a component stands, and why", &CreateExplain},
         {"log", running, "Show what was logged lately, and follow it", &CreateLog},
         {"loglevel", running, "Show or set log levels", &CreateLogLevel},

@@ -130,4 +130,9 @@ std::vector<EnvironmentValue> DiagnosticsServiceImpl::GetEnvironment()
     return values;
 }
 
+ProcessServices DiagnosticsServiceImpl::GetServices()
+{
+    return {.published = Rsc::ServiceUsage::GetPublished(), .used = Rsc::ServiceUsage::GetUsed()};
+}
+
 } // namespace Vela::System::Kiro::Services::Internal

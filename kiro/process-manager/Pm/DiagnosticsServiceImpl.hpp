@@ -18,6 +18,7 @@ public:
     LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) override;
     std::uint32_t LogThreadStacks() override;
     std::vector<EnvironmentValue> GetEnvironment() override;
+    ProcessServices GetServices() override;
 
 private:
     /// The service is made when the process comes up.

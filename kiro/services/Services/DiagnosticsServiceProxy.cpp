@@ -43,6 +43,11 @@ std::vector<EnvironmentValue> DiagnosticsServiceProxy::GetEnvironment()
     return Invoke<&Service::GetEnvironment>();
 }
 
+ProcessServices DiagnosticsServiceProxy::GetServices()
+{
+    return Invoke<&Service::GetServices>();
+}
+
 DiagnosticsServiceProxyFactory& DiagnosticsServiceProxyFactory::GetInstance()
 {
     static DiagnosticsServiceProxyFactory instance;

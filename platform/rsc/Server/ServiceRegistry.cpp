@@ -13,6 +13,7 @@ struct ServiceRegistry::Publication
 {
     ServiceKey key;
     String interfaceName;
+    String publisher;
     std::unique_ptr<IRscServiceStub> stub;
     std::size_t callsInProgress = 0;
 };
@@ -42,9 +43,10 @@ const String& ServiceRegistry::Lease::GetInterfaceName() const noexcept
     return publication->interfaceName;
 }
 
-void ServiceRegistry::Publish(const ServiceKey& key, const String& interfaceName, std::unique_ptr<IRscServiceStub> stub)
+void ServiceRegistry::Publish(const ServiceKey& key, const String& interfaceName, std::unique_ptr<IRscServiceStub> stub,
+                              const String& publisher)
 {
-    auto publication = std::make_shared<Publication>(Publication{key, interfaceName, std::move(stub), 0});
+    auto publication = std::make_shared<Publication>(Publication{key, interfaceName, publisher, std::move(stub), 0});
     const std::lock_guard lock(mutex);
     if (isClosed)
     {
@@ -141,6 +143,23 @@ bool ServiceRegistry::HasProvider(const String& provider) const
     return std::any_of(places.begin(), places.end(),
                        [&provider](const Place& place)
                        { return place.publication && place.publication->key.provider == provider; });
+}
+
+std::vector<PublishedService> ServiceRegistry::List() const
+{
+    std::vector<PublishedService> services;
+    const std::lock_guard lock(mutex);
+    for (const Place& place : places)
+    {
+        if (const auto& publication = place.publication)
+        {
+            services.push_back({.provider = publication->key.provider,
+                                .serviceName = publication->key.serviceName,
+                                .interfaceName = publication->interfaceName,
+                                .publisher = publication->publisher});
+        }
+    }
+    return services;
 }
 
 std::optional<ServiceRegistry::Lease> ServiceRegistry::Acquire(ServiceNumbers numbers)

@@ -2,6 +2,7 @@
 
 #include <Vela/String.hpp>
 #include <Vela/System/Rsc/IRscServiceStub.hpp>
+#include <Vela/System/Rsc/ServiceUsage.hpp>
 
 #include <chrono>
 #include <condition_variable>
@@ -58,8 +59,10 @@ public:
         std::shared_ptr<Publication> publication;
     };
 
+    /// @param publisher  the component that does it; empty: none
     /// @throws InvalidOperationException when the key is taken, the table is full or the registry closed
-    void Publish(const ServiceKey& key, const String& interfaceName, std::unique_ptr<IRscServiceStub> stub);
+    void Publish(const ServiceKey& key, const String& interfaceName, std::unique_ptr<IRscServiceStub> stub,
+                 const String& publisher = {});
     /// Withdraws all services that `selects` selects and waits for their calls until the deadline.
     /// @return whether all calls have ended
     bool Withdraw(const std::function<bool(const ServiceKey&)>& selects, Clock::time_point deadline);
@@ -68,6 +71,7 @@ public:
     /// @throws InvalidOperationException when the service has another interface
     std::optional<ServiceNumbers> Find(const ServiceKey& key, const String& interfaceName, Clock::time_point deadline);
     [[nodiscard]] bool HasProvider(const String& provider) const;
+    [[nodiscard]] std::vector<PublishedService> List() const;
 
     /// Takes a service into use; nothing when it is not published any more.
     std::optional<Lease> Acquire(ServiceNumbers numbers);

@@ -14,6 +14,7 @@ namespace Vela::Kiroctl
 {
 
 using System::Commons::Environment;
+using System::Commons::Diagnostics::Attempt;
 using System::Commons::Diagnostics::LoadObserver;
 using System::Commons::Io::FileTrust;
 using System::Commons::Io::TrustedFile;
@@ -22,6 +23,7 @@ using System::Kiro::Internal::Settings::EnvironmentVariable;
 using System::Kiro::Internal::Sm::Config::Component;
 using System::Kiro::Internal::Sm::Config::Components;
 using System::Kiro::Internal::Sm::Data::ProcessData;
+using System::Rsc::RscManager;
 
 namespace
 {
@@ -53,7 +55,7 @@ bool IsReadByProgram(const EnvironmentVariable& variable)
 {
     const String& name = variable.GetName();
     return variable.IsComponentVariable() || name == Environment::runtimeDirectoryName ||
-           name == Environment::binDirectoryName || name == System::Rsc::RscManager::gatewayPortVariable ||
+           name == Environment::binDirectoryName || name == RscManager::gatewayPortVariable ||
            name == "VELA_PATH_SYSTEM_DIR" || name == "VELA_PATH_PROJECT_DIR";
 }
 
@@ -187,11 +189,17 @@ bool SystemCheck::IsCopy(const Component& component) const
 
 void SystemCheck::CheckVariables()
 {
+    // It may as well come from the environment.
+    XmlPosition gatewayPosition;
     const auto& variables = system.settings.GetEnvironmentVariables();
     for (const auto* map : {&variables.GetVariables(), &variables.GetOverriddenVariables()})
     {
         for (const auto& [name, variable] : *map)
         {
+            if (name == RscManager::gatewayPortVariable)
+            {
+                gatewayPosition = variable.GetPosition();
+            }
             if (!IsReadByProgram(variable) && !record.IsVariableUsed(name))
             {
                 record.Add(FindingCode::UnusedVariable, variable.GetPosition(),
@@ -199,6 +207,8 @@ void SystemCheck::CheckVariables()
             }
         }
     }
+    Attempt(
+        FindingCode::InvalidGatewayPort, [] { RscManager::FindGatewayPort(); }, gatewayPosition);
 }
 
 } // namespace Vela::Kiroctl

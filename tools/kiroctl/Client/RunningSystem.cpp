@@ -108,6 +108,11 @@ std::shared_ptr<Services::IDiagnosticsService> RunningSystem::GetProcess(const S
                 System::Rsc::ServiceProvider::Process(process));
 }
 
+bool RunningSystem::CanAnswer(const Services::ProcessStatus& process)
+{
+    return process.isMain || process.state == "connected";
+}
+
 std::vector<String> RunningSystem::SelectProcesses(const String& name) const
 {
     std::vector<String> known;
@@ -115,7 +120,7 @@ std::vector<String> RunningSystem::SelectProcesses(const String& name) const
     for (const auto& process : GetDiagnostics()->GetProcesses())
     {
         known.push_back(process.name);
-        if (name == process.name || (name.empty() && (process.isMain || process.state == "connected")))
+        if (name == process.name || (name.empty() && CanAnswer(process)))
         {
             selected.push_back(process.name);
         }

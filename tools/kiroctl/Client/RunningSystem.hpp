@@ -27,6 +27,8 @@ public:
     [[nodiscard]] std::shared_ptr<Services::ISystemManagerService> GetManager() const;
     [[nodiscard]] std::shared_ptr<Services::IDiagnosticsService> GetProcess(const String& process) const;
 
+    /// Whether the process is one of those that answer questions about themselves.
+    [[nodiscard]] static bool CanAnswer(const Services::ProcessStatus& process);
     /// The names of the processes that answer: the one that is given, or all without a name.
     /// @throws CommandError (NotFound) with the nearest names
     [[nodiscard]] std::vector<String> SelectProcesses(const String& name) const;

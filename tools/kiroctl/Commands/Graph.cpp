@@ -1,3 +1,4 @@
+#include "../Client/RunningPlan.hpp"
 #include "../Command.hpp"
 #include "../Graph/PlanGraph.hpp"
 #include "../Plan/PlanArguments.hpp"
@@ -14,6 +15,8 @@ public:
     void Declare(const CommandDeclaration& command) override
     {
         arguments.Declare(command);
+        command.AddFlag("--running", isRunning,
+                        "Draw the system that runs, with its services, in place of what documents say");
         command.AddText("--format", format, "A picture (svg), or a description for Graphviz (dot)",
                         {.name = "FORMAT", .choices = {"svg", "dot"}});
     }
@@ -21,7 +24,7 @@ public:
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
-        const Json plan = arguments.Build();
+        const Json plan = isRunning ? DescribeRunningSystem(RunningSystem(session)) : arguments.Build();
         if (output.IsJson())
         {
             output.WriteJson(ListGraph(plan));
@@ -35,7 +38,8 @@ public:
 
 private:
     PlanArguments arguments;
-    String format = "svg";
+    bool isRunning = false;
+    std::string format = "svg";
 };
 
 } // namespace

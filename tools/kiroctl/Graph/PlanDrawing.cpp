@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 #include <vector>
 
@@ -22,6 +23,8 @@ constexpr double titleSize = 18;
 constexpr double headHeight = 30;
 constexpr double chipHeight = 38;
 constexpr double chipGap = 8;
+constexpr double serviceHeight = 16;
+constexpr double portSize = 7;
 constexpr double processGap = 22;
 constexpr double railWidth = 34;
 constexpr double columnGap = 150;
@@ -30,6 +33,7 @@ constexpr double libraryHeight = 44;
 
 constexpr const char* ink = "#1f2933";
 constexpr const char* faintInk = "#616e7c";
+constexpr const char* serviceColour = "#364fc7";
 
 /// Told apart by people who do not see all colours, too.
 constexpr std::array colours{"#0072b2", "#d55e00", "#009e73", "#cc79a7", "#e69f00", "#56b4e9", "#7a5195", "#666666"};
@@ -39,14 +43,29 @@ struct Chip
     const Json* component;
     int number;
     double y;
+    std::vector<const Json*> services;
+
+    [[nodiscard]] double GetHeight() const
+    {
+        return chipHeight + static_cast<double>(services.size()) * serviceHeight;
+    }
 };
 
 struct ProcessBox
 {
     const Json* process;
     std::vector<Chip> chips;
+    /// Those that no component publishes.
+    std::vector<const Json*> services;
     double y = 0;
     double height = 0;
+};
+
+/// Where a line to a component, process or service ends.
+struct Place
+{
+    double x = 0;
+    double y = 0;
 };
 
 struct LibraryBox
@@ -67,6 +86,7 @@ class Drawing
 public:
     explicit Drawing(const Json& systemPlan)
         : plan(systemPlan)
+        , services(GetServices(systemPlan))
     {
         PlaceProcesses();
         PlaceLibraries();
@@ -78,8 +98,9 @@ public:
         page.AddText(margin, margin + titleSize, configuration.substr(configuration.rfind('/') + 1), titleSize, ink,
                      true);
         page.AddText(margin, margin + titleSize + 20,
-                     fmt::format("{} processes, {} components in start order, {} libraries", boxes.size(),
-                                 plan.at("components").size(), libraries.size()),
+                     fmt::format("{} processes, {} components in start order, {} libraries{}", boxes.size(),
+                                 plan.at("components").size(), libraries.size(),
+                                 services.empty() ? std::string() : fmt::format(", {} services", services.size())),
                      nameSize, faintInk);
         DrawRail();
         // Lines lie behind the boxes.
@@ -98,6 +119,10 @@ public:
         {
             DrawLibrary(library);
         }
+        for (const Json& service : services)
+        {
+            DrawUses(service);
+        }
         return page.Finish(width, height, configuration);
     }
 
@@ -107,6 +132,21 @@ private:
         const double name = SvgPage::GetTextWidth(component.at("name").get<std::string>(), nameSize);
         const double type = SvgPage::GetTextWidth(component.at("type").get<std::string>(), detailSize);
         return badgeWidth + std::max(name, type) + 2 * padding;
+    }
+
+    std::vector<const Json*> FindServices(const Json& process, const Json& component)
+    {
+        std::vector<const Json*> found;
+        for (const Json& service : services)
+        {
+            if (service.at("process") == process && service.at("component") == component)
+            {
+                found.push_back(&service);
+                boxWidth = std::max(boxWidth, badgeWidth + SvgPage::GetTextWidth(GetShortName(service), detailSize) +
+                                                  4 * padding);
+            }
+        }
+        return found;
     }
 
     void PlaceProcesses()
@@ -120,7 +160,8 @@ private:
         double y = margin + titleSize + 44;
         for (const Json* process : processes)
         {
-            ProcessBox box{process, {}, y, headHeight + padding};
+            ProcessBox box{process, {}, FindServices(process->at("name"), ""), y, headHeight + padding};
+            box.height += static_cast<double>(box.services.size()) * serviceHeight;
             boxWidth = std::max(boxWidth, SvgPage::GetTextWidth(GetHead(*process), nameSize) + 2 * padding);
             int number = 0;
             for (const Json& component : plan.at("components"))
@@ -128,8 +169,9 @@ private:
                 ++number;
                 if (component.at("process") == process->at("name"))
                 {
-                    box.chips.push_back({&component, number, y + box.height - chipGap / 2});
-                    box.height += chipHeight + chipGap;
+                    box.chips.push_back({&component, number, y + box.height - chipGap / 2,
+                                         FindServices(process->at("name"), component.at("name"))});
+                    box.height += box.chips.back().GetHeight() + chipGap;
                     boxWidth = std::max(boxWidth, GetChipWidth(component) + 2 * padding);
                 }
             }
@@ -246,6 +288,39 @@ private:
         }
     }
 
+    /// The rows of a component or process, one for each service that it publishes.
+    void DrawServices(const std::vector<const Json*>& published, double x, double right, double y)
+    {
+        for (const Json* service : published)
+        {
+            page.AddText(x, y + detailSize, GetShortName(*service), detailSize, serviceColour);
+            page.AddBox(right - portSize / 2, y + (serviceHeight - portSize) / 2, portSize, portSize, 1,
+                        {.fill = serviceColour, .kind = "service"}, service->at("name").get<std::string>());
+            ports[service] = {right + portSize / 2, y + serviceHeight / 2};
+            y += serviceHeight;
+        }
+    }
+
+    void DrawUses(const Json& service)
+    {
+        const auto port = ports.find(&service);
+        for (const Json& user : service.at("users"))
+        {
+            const std::string& component = user.at("component").get_ref<const std::string&>();
+            const std::string& name = component.empty() ? user.at("process").get_ref<const std::string&>() : component;
+            const auto& places = component.empty() ? processPlaces : componentPlaces;
+            const auto from = places.find(name);
+            if (port != ports.end() && from != places.end())
+            {
+                const double distance = std::abs(from->second.y - port->second.y);
+                page.AddLoop(from->second.x, from->second.y, port->second.x, port->second.y,
+                             std::min(24 + distance / 4, columnGap * 1.1),
+                             {.stroke = serviceColour, .strokeWidth = 1.2, .isDashed = true, .kind = "use"},
+                             fmt::format("{} uses {}", name, service.at("name").get<std::string>()));
+            }
+        }
+    }
+
     void DrawProcess(const ProcessBox& box)
     {
         const Json& process = *box.process;
@@ -259,6 +334,8 @@ private:
         page.AddText(processX + padding, box.y + 20, name, nameSize, ink, true);
         page.AddText(processX + padding + SvgPage::GetTextWidth(name + "  ", nameSize), box.y + 20,
                      process.at("kind").get<std::string>(), detailSize, faintInk);
+        DrawServices(box.services, processX + padding, processX + boxWidth, box.y + headHeight);
+        processPlaces[name] = {processX + boxWidth, box.y + headHeight / 2};
         for (const Chip& chip : box.chips)
         {
             DrawComponent(chip);
@@ -272,13 +349,16 @@ private:
         const std::string colour = found == libraries.end() ? "#9aa5b1" : found->second.colour;
         const bool isOff = component.at("enabled") == false || HasText(component.at("problem"));
         const double x = processX + padding;
-        page.AddBox(x, chip.y, boxWidth - 2 * padding, chipHeight, 5,
+        page.AddBox(x, chip.y, boxWidth - 2 * padding, chip.GetHeight(), 5,
                     {.fill = "#ffffff", .stroke = colour, .strokeWidth = 1.4, .isDashed = isOff},
                     component.at("origin").get<std::string>());
         page.AddText(x + 8, chip.y + 24, fmt::format("{:>2}", chip.number), nameSize, faintInk);
         page.AddText(x + badgeWidth, chip.y + 16, component.at("name").get<std::string>(), nameSize,
                      isOff ? faintInk : ink, component.at("required") == true);
         page.AddText(x + badgeWidth, chip.y + 31, component.at("type").get<std::string>(), detailSize, faintInk);
+        const double right = processX + boxWidth - padding;
+        DrawServices(chip.services, x + badgeWidth, right, chip.y + chipHeight - 2);
+        componentPlaces[component.at("name").get<std::string>()] = {right, chip.y + chipHeight / 2 + 8};
     }
 
     void DrawLibrary(const LibraryBox& library)
@@ -291,8 +371,12 @@ private:
     }
 
     const Json& plan;
+    const Json services;
     SvgPage page;
     std::vector<ProcessBox> boxes;
+    std::map<const Json*, Place> ports;
+    std::map<std::string, Place> processPlaces;
+    std::map<std::string, Place> componentPlaces;
     std::map<std::string, LibraryBox> libraries;
     double processX = 0;
     double boxWidth = 180;

@@ -25,6 +25,50 @@ std::string Quote(const std::string& text)
     return quoted + '"';
 }
 
+/// The node of a component, or of the process when no component is meant.
+std::string NameHolder(const Json& holder)
+{
+    const std::string component = holder.at("component");
+    return component.empty() ? "process " + holder.at("process").get<std::string>() : "component " + component;
+}
+
+std::string NameService(const Json& service)
+{
+    return fmt::format("service {} of {}", service.at("name").get<std::string>(), NameHolder(service));
+}
+
+/// Processes that publish or use a service themselves: they need a node where edges begin and end.
+std::set<std::string> ListHolders(const Json& services)
+{
+    std::set<std::string> processes;
+    for (const Json& service : services)
+    {
+        processes.insert(NameHolder(service));
+        for (const Json& user : service.at("users"))
+        {
+            processes.insert(NameHolder(user));
+        }
+    }
+    return processes;
+}
+
+std::string WriteServices(const Json& services)
+{
+    std::string text;
+    for (const Json& service : services)
+    {
+        const std::string node = Quote(NameService(service));
+        text += fmt::format("  {} [label={}, tooltip={}, shape=ellipse, style=solid];\n  {} -> {} [dir=none];\n", node,
+                            Quote(GetShortName(service)), Quote(service.at("name").get<std::string>()),
+                            Quote(NameHolder(service)), node);
+        for (const Json& user : service.at("users"))
+        {
+            text += fmt::format("  {} -> {} [style=dashed];\n", Quote(NameHolder(user)), node);
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 Json ListGraph(const Json& plan)
@@ -63,6 +107,23 @@ Json ListGraph(const Json& plan)
             edges.push_back({{"kind", "comesFrom"}, {"from", component.at("name")}, {"to", component.at("library")}});
         }
     }
+    for (const Json& service : GetServices(plan))
+    {
+        const std::string name = NameService(service);
+        nodes.push_back({{"kind", "service"},
+                         {"name", name},
+                         {"service", service.at("name")},
+                         {"interface", service.at("interface")}});
+        const auto getName = [](const Json& holder)
+        {
+            return HasText(holder.at("component")) ? holder.at("component") : holder.at("process");
+        };
+        edges.push_back({{"kind", "publishes"}, {"from", getName(service)}, {"to", name}});
+        for (const Json& user : service.at("users"))
+        {
+            edges.push_back({{"kind", "uses"}, {"from", getName(user)}, {"to", name}});
+        }
+    }
     return {{"nodes", std::move(nodes)}, {"edges", std::move(edges)}};
 }
 
@@ -70,6 +131,8 @@ std::string WriteDot(const Json& plan)
 {
     std::string text = "digraph system {\n  rankdir=LR;\n  compound=true;\n  node [shape=box, style=rounded, "
                        "fontname=\"sans-serif\"];\n";
+    const Json services = GetServices(plan);
+    const std::set<std::string> holders = ListHolders(services);
     std::set<std::string> libraries;
     std::size_t cluster = 0;
     int number = 0;
@@ -88,20 +151,25 @@ std::string WriteDot(const Json& plan)
         {
             if (component.at("process") == process.at("name"))
             {
-                const std::string name = component.at("name");
-                text += fmt::format("    {} [label={}{}];\n", Quote("component " + name),
-                                    Quote(fmt::format("{}. {}", numbers[name], name)),
+                const std::string componentName = component.at("name");
+                text += fmt::format("    {} [label={}{}];\n", Quote("component " + componentName),
+                                    Quote(fmt::format("{}. {}", numbers[componentName], componentName)),
                                     component.at("enabled") == true ? "" : ", style=\"rounded,dashed\"");
             }
+        }
+        const std::string name = process.at("name");
+        if (holders.contains("process " + name))
+        {
+            text += fmt::format("    {} [label={}, shape=plaintext];\n", Quote("process " + name), Quote(name));
         }
         text += "  }\n";
         for (const Json& library : process.at("libraries"))
         {
-            const std::string name = library.at("name");
-            if (libraries.insert(name).second)
+            const std::string libraryName = library.at("name");
+            if (libraries.insert(libraryName).second)
             {
-                text +=
-                    fmt::format("  {} [label={}, shape=folder, style=solid];\n", Quote("library " + name), Quote(name));
+                text += fmt::format("  {} [label={}, shape=folder, style=solid];\n", Quote("library " + libraryName),
+                                    Quote(libraryName));
             }
         }
     }
@@ -113,7 +181,7 @@ std::string WriteDot(const Json& plan)
                                 Quote("library " + component.at("library").get<std::string>()));
         }
     }
-    return text + "}\n";
+    return text + WriteServices(services) + "}\n";
 }
 
 } // namespace Vela::Kiroctl

@@ -117,6 +117,21 @@ void SvgPage::AddCurve(double fromX, double fromY, double toX, double toY, const
                    fromX, fromY, middle, fromY, middle, toY, toX, toY, FormatLook(look));
 }
 
+void SvgPage::AddLoop(double fromX, double fromY, double toX, double toY, double reach, const Look& look,
+                      std::string_view title)
+{
+    const double turn = std::max(fromX, toX) + reach;
+    fmt::format_to(
+        std::back_inserter(body),
+        R"(<path {}d="M{:.1f} {:.1f} C{:.1f} {:.1f} {:.1f} {:.1f} {:.1f} {:.1f}" {}><title>{}</title></path>)"
+        "\n",
+        FormatKind(look), fromX, fromY, turn, fromY, turn, toY, toX, toY, FormatLook(look), Escape(title));
+    Look head = look;
+    head.isDashed = false;
+    AddLine(toX + 6, toY - 4, toX, toY, head);
+    AddLine(toX + 6, toY + 4, toX, toY, head);
+}
+
 void SvgPage::AddLine(double fromX, double fromY, double toX, double toY, const Look& look)
 {
     fmt::format_to(std::back_inserter(body),

@@ -41,6 +41,10 @@ public:
                  bool isBold = false, Anchor anchor = Anchor::Start);
     /// A smooth line that leaves its start and reaches its end horizontally.
     void AddCurve(double fromX, double fromY, double toX, double toY, const Look& look);
+    /// A smooth line that leaves its start to the right, as far as `reach`, and comes back to its end, where an arrow
+    /// points.
+    void AddLoop(double fromX, double fromY, double toX, double toY, double reach, const Look& look,
+                 std::string_view title);
     void AddLine(double fromX, double fromY, double toX, double toY, const Look& look);
 
     /// The whole document.

@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <memory>
 
 namespace Vela::System::Rsc
@@ -41,6 +42,9 @@ public:
     /// Reads a security settings file as the main process does when it opens its endpoint.
     /// @throws NotExistException, XmlException
     static void CheckSecuritySettings(const String& path);
+    /// The TCP port that the environment variable "VelaGatewayPort" names; 0 without one.
+    /// @throws InvalidOperationException when it has another value
+    static std::uint16_t FindGatewayPort();
     /// Closes the endpoint, lets calls in progress end and be answered within the close time-out, then closes every
     /// connection. Proxies may outlive it; their calls fail. Without an instance nothing happens. Not from inside a
     /// call.

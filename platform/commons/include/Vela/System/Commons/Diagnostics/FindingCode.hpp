@@ -58,6 +58,7 @@ enum class FindingCode : std::uint16_t
     InvalidRemotingSettings = 1502,
     InvalidLogConfiguration = 1503,
     InvalidNotificationSettings = 1504,
+    InvalidGatewayPort = 1505,
 };
 
 enum class FindingSeverity : std::uint8_t
@@ -126,6 +127,7 @@ inline constexpr auto findingDescriptions = []
         {InvalidRemotingSettings, Error, "The remoting settings file is not valid."},
         {InvalidLogConfiguration, Error, "The log configuration file is not valid."},
         {InvalidNotificationSettings, Error, "The settings file of the notifications is not valid."},
+        {InvalidGatewayPort, Error, "The variable 'VelaGatewayPort' names no TCP port."},
     });
 }();
 

@@ -20,6 +20,7 @@ public:
     LogPage GetLogLines(std::uint64_t after, std::uint32_t maximumCount) override;
     std::uint32_t LogThreadStacks() override;
     std::vector<EnvironmentValue> GetEnvironment() override;
+    ProcessServices GetServices() override;
 };
 
 /// Makes proxies of the diagnostics service. There is one in every process, so the caller names the provider.

@@ -34,6 +34,8 @@ public:
     virtual std::uint32_t LogThreadStacks() = 0;
     /// The variables that the system has defined in this process, by name.
     virtual std::vector<EnvironmentValue> GetEnvironment() = 0;
+    /// Which services the process publishes, and which it uses.
+    virtual ProcessServices GetServices() = 0;
 };
 
 } // namespace Vela::System::Kiro::Services::Internal
@@ -47,5 +49,5 @@ struct Vela::System::Rsc::OperationTable<Vela::System::Kiro::Services::Internal:
         Operation<1, &Service::GetIdentity>("GetIdentity"), Operation<2, &Service::GetResources>("GetResources"),
         Operation<3, &Service::GetLogLevels>("GetLogLevels"), Operation<4, &Service::SetLogLevel>("SetLogLevel"),
         Operation<5, &Service::GetLogLines>("GetLogLines"), Operation<6, &Service::LogThreadStacks>("LogThreadStacks"),
-        Operation<7, &Service::GetEnvironment>("GetEnvironment"));
+        Operation<7, &Service::GetEnvironment>("GetEnvironment"), Operation<8, &Service::GetServices>("GetServices"));
 };

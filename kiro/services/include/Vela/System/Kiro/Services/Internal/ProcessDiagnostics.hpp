@@ -3,6 +3,7 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Commons/Diagnostics/LogLevel.hpp>
 #include <Vela/System/Rsc/Marshaling.hpp>
+#include <Vela/System/Rsc/ServiceUsage.hpp>
 
 #include <cstdint>
 #include <tuple>
@@ -70,6 +71,13 @@ struct EnvironmentValue
     bool isOverridden = false;
 };
 
+/// Services that the process publishes, and those that it has looked up.
+struct ProcessServices
+{
+    std::vector<Rsc::PublishedService> published;
+    std::vector<Rsc::UsedService> used;
+};
+
 } // namespace Vela::System::Kiro::Services::Internal
 
 namespace Vela::System::Rsc
@@ -111,6 +119,13 @@ struct StructFields<Kiro::Services::Internal::EnvironmentValue>
 {
     using Value = Kiro::Services::Internal::EnvironmentValue;
     static constexpr auto fields = std::tuple(&Value::name, &Value::value, &Value::isOverridden);
+};
+
+template <>
+struct StructFields<Kiro::Services::Internal::ProcessServices>
+{
+    using Services = Kiro::Services::Internal::ProcessServices;
+    static constexpr auto fields = std::tuple(&Services::published, &Services::used);
 };
 
 template <>
