@@ -4,6 +4,7 @@
 #include <Host/GuardedSteps.hpp>
 #include <Pm/ProcessManager.hpp>
 #include <Settings/EnvironmentVariable.hpp>
+#include <Settings/SystemDirectory.hpp>
 #include <Sm/SystemManager.hpp>
 #include <Vela/AppDomain.hpp>
 #include <Vela/Singleton.hpp>
@@ -26,8 +27,6 @@ using Commons::Environment;
 
 namespace
 {
-
-constexpr const char* systemDirectoryName = "VELA_PATH_SYSTEM_DIR";
 
 /// More singletons than the platform itself needs are worth a look.
 constexpr std::size_t expectedSingletons = 9;
@@ -117,7 +116,7 @@ void ApplicationBase::SetupScm()
     auto& processManager = Singleton<Pm::ProcessManager>::GetInstance();
     const auto manager = data->GetDefaultLibraryManager();
     manager->AddDefaultComponents(Environment::GetLibrariesDirectory(),
-                                  Environment::GetVariableValueOr(systemDirectoryName, ""));
+                                  Environment::GetVariableValueOr(Settings::SystemDirectory::variableName, ""));
     manager->BuildUpDefaultComponents(processManager);
 
     const auto provider = FindEnvironmentVariablesProvider(processManager);

@@ -1,5 +1,6 @@
 #include <Host/DefaultLibraryManager.hpp>
 #include <Pm/ProcessManager.hpp>
+#include <Settings/SystemDirectory.hpp>
 #include <Vela/CaughtException.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 
@@ -12,9 +13,9 @@ void DefaultLibraryManager::AddDefaultComponents(const String& librariesDirector
 {
     const String libraryName = "Vela.System.Scm.Library";
     libraries.AddItem(Sm::Config::Library(libraryName, Path::Combine(librariesDirectory, "libVela.System.Scm.so")));
-    components.AddItem(
-        Sm::Config::Component("Vela.System.Scm", "Vela::System::Scm::ScmComponent", libraryName,
-                              Sm::Config::Settings(Path::Combine(systemDirectory, "System/Scm/Scm.settings"))));
+    components.AddItem(Sm::Config::Component(
+        "Vela.System.Scm", "Vela::System::Scm::ScmComponent", libraryName,
+        Sm::Config::Settings(Path::Combine(systemDirectory, Settings::SystemDirectory::switchesPath))));
 }
 
 void DefaultLibraryManager::BuildUpDefaultComponents(Pm::ProcessManager& processManager)

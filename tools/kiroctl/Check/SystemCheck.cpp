@@ -2,6 +2,7 @@
 
 #include "Helper/HelperProcess.hpp"
 
+#include <Settings/SystemDirectory.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Io/File.hpp>
 #include <Vela/System/Commons/Io/FileTrust.hpp>
@@ -56,7 +57,7 @@ bool IsReadByProgram(const EnvironmentVariable& variable)
     const String& name = variable.GetName();
     return variable.IsComponentVariable() || name == Environment::runtimeDirectoryName ||
            name == Environment::binDirectoryName || name == RscManager::gatewayPortVariable ||
-           name == "VELA_PATH_SYSTEM_DIR" || name == "VELA_PATH_PROJECT_DIR";
+           name == System::Kiro::Internal::Settings::SystemDirectory::variableName || name == "VELA_PATH_PROJECT_DIR";
 }
 
 } // namespace

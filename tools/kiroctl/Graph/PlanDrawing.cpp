@@ -366,7 +366,8 @@ private:
         page.AddBox(libraryX, library.y, libraryWidth, libraryHeight, 3,
                     {.fill = "#ffffff", .stroke = library.colour, .strokeWidth = 1.6});
         page.AddBox(libraryX, library.y, 5, libraryHeight, 0, {.fill = library.colour});
-        page.AddText(libraryX + padding, library.y + 18, library.name, nameSize, ink, true);
+        page.AddText(libraryX + padding, library.y + (library.file.empty() ? 27 : 18), library.name, nameSize, ink,
+                     true);
         page.AddText(libraryX + padding, library.y + 34, library.file, detailSize, faintInk);
     }
 

@@ -2,6 +2,7 @@
 
 #include <Config/KiroConfigurationLoader.hpp>
 #include <Settings/KiroSettingsLoader.hpp>
+#include <Settings/SystemDirectory.hpp>
 #include <Sm/ComponentsController.hpp>
 #include <Sm/ProcessesController.hpp>
 #include <Vela/AppDomain.hpp>
@@ -41,10 +42,6 @@ using System::Kiro::Internal::Sm::Data::ProcessData;
 
 namespace
 {
-
-/// Where the system configuration manager finds its settings, in the directory of that variable.
-constexpr const char* systemDirectoryVariable = "VELA_PATH_SYSTEM_DIR";
-constexpr const char* switchesPath = "System/Scm/Scm.settings";
 
 /// What every process of the runtime has before it reads its settings; the tool stands beside the runtime's executable.
 void SetupEnvironment(const String& processName)
@@ -106,7 +103,8 @@ OfflineSystem::OfflineSystem(const SystemDocuments& systemDocuments, LoadRecord&
 
 void OfflineSystem::LoadSwitches()
 {
-    const String path = Path::Combine(Environment::GetVariableValueOr(systemDirectoryVariable, ""), switchesPath);
+    const String path = Path::Combine(Environment::GetVariableValueOr(Settings::SystemDirectory::variableName, ""),
+                                      Settings::SystemDirectory::switchesPath);
     if (!System::Commons::Io::File::Exists(path))
     {
         return;
