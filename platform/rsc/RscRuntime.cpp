@@ -221,7 +221,7 @@ std::optional<RscServiceBinding> RscRuntime::Find(const ServiceProvider& provide
     auto binding = finder.Bind(provider, interfaceName, timeout, wakeDescriptors, why);
     if (binding)
     {
-        uses.Add(provider, interfaceName);
+        uses.Add(provider, interfaceName, binding->client->GetProcessName());
     }
     return binding;
 }

@@ -1,3 +1,4 @@
+#include "DrawnPage.hpp"
 #include "KiroctlFixture.hpp"
 
 #include <RecordedTrace.hpp>
@@ -206,27 +207,7 @@ TEST_F(PlanTest, TablesKeepToTheWidthThatIsWanted)
 TEST_F(PlanTest, DrawsThePlan)
 {
     const std::string svg = Run({"graph"}).output;
-    const std::string file = system.directory.Write("graph.svg", svg);
-    StartedProcess lint("/usr/bin/xmllint", {"--noout", file});
-    EXPECT_EQ(lint.AwaitEnd(), 0) << lint.GetOutput();
-
-    // Every component and process stands on the page, and every box inside it.
-    const auto getNumber = [](const std::string& text, const std::string& attribute)
-    {
-        return std::stod(text.substr(text.find(" " + attribute + "=\"") + attribute.size() + 3));
-    };
-    const double width = getNumber(svg, "width");
-    const double height = getNumber(svg, "height");
-    int boxes = 0;
-    for (auto at = svg.find("<rect x="); at != std::string::npos; at = svg.find("<rect x=", at + 1))
-    {
-        const std::string box = svg.substr(at, 200);
-        EXPECT_GE(getNumber(box, "x"), 0);
-        EXPECT_LE(getNumber(box, "x") + getNumber(box, "width"), width) << box;
-        EXPECT_LE(getNumber(box, "y") + getNumber(box, "height"), height) << box;
-        ++boxes;
-    }
-    EXPECT_EQ(boxes, 3 + 6 + 2);
+    EXPECT_EQ(CheckDrawnPage(system.directory, svg), 3U + 6U + 2U + 1U);
     for (const char* name : {">Everywhere@A<", ">Own<", ">Late<", ">MainProcess<", ">Recording<"})
     {
         EXPECT_NE(svg.find(name), std::string::npos) << name;

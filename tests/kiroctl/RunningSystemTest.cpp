@@ -1,5 +1,6 @@
 // The commands that ask and command a running system, tried with the built tool on built systems.
 
+#include "DrawnPage.hpp"
 #include "SystemFixture.hpp"
 
 #include <fcntl.h>
@@ -161,7 +162,9 @@ TEST_F(RunningSystemTest, AHealthySystemAnswersAllCommands)
 TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
 {
     ConfigurePlant();
-    WriteScript("Tank1 PublishServices publish\nTank2 Start call Tank1 sleep 0\nPanel LoadConfig call Tank1 sleep 0\n");
+    // Names of services are free.
+    WriteScript("Tank1 PublishServices publish\nTank2 PublishServices publish Fan \x1B.1 \xFC\n"
+                "Tank2 Start call Tank1 sleep 0\nPanel LoadConfig call Tank1 sleep 0\n");
     StartedProcess main = system.Start();
     main.AwaitLine(isUp);
 
@@ -170,10 +173,12 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
         {"name", name},
         {"interface", name},
         {"process", "Left"},
+        {"provider", "Tank1"},
         {"component", "Tank1"},
+        {"isPublished", true},
         {"users",
          {{{"process", "MainProcess"}, {"component", "Panel"}}, {{"process", "Right"}, {"component", "Tank2"}}}}};
-    EXPECT_EQ(AskJson({"services", "--component", "Tank2"}), json::array({expected}));
+    EXPECT_EQ(AskJson({"services", "--component", "Panel"}), json::array({expected}));
     EXPECT_EQ(AskJson({"services", "--component", "Nobody"}), json::array());
     const json all = AskJson({"services"});
     EXPECT_EQ(std::count(all.begin(), all.end(), expected), 1);
@@ -194,12 +199,22 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
     const std::string dot = Ask({"graph", "--running", "--format", "dot"}).text;
     EXPECT_NE(dot.find("\"component Panel\" -> \"" + node + "\" [style=dashed];"), std::string::npos) << dot;
     const std::string svg = Ask({"graph", "--running"}).text;
-    StartedProcess lint("/usr/bin/xmllint", {"--noout", system.directory.Write("graph.svg", svg)});
-    EXPECT_EQ(lint.AwaitEnd(), 0) << lint.GetOutput();
-    for (const std::string& drawn : {std::string(">IRecordingService<"), "Tank2 uses " + name, "Panel uses " + name})
+    EXPECT_EQ(CheckDrawnPage(system.directory, svg), 3U + 3U + 2U + 2U + 1U);
+    for (const std::string& drawn : {std::string(">IRecordingService<"), std::string(">Fan \\x1B.1 \xEF\xBF\xBD<"),
+                                     "Tank2 uses " + name, "Panel uses " + name})
     {
         EXPECT_NE(svg.find(drawn), std::string::npos) << drawn;
     }
+    EXPECT_EQ(Ask({"graph", "--running", "other.settings"}).code, 2);
+
+    // A process that does not answer hides the others' services from nobody.
+    const auto right = static_cast<pid_t>(FindNamed(AskJson({"processes"}), "Right")["pid"]);
+    ASSERT_EQ(kill(right, SIGSTOP), 0);
+    const Answer partial = Ask({"services"});
+    ASSERT_EQ(kill(right, SIGCONT), 0);
+    EXPECT_EQ(partial.code, 3);
+    EXPECT_TRUE(std::regex_search(partial.text, std::regex(name + " +Left +Tank1 +Panel"))) << partial.text;
+    EXPECT_NE(partial.text.find("The services of process 'Right' are missing: it does not answer."), std::string::npos);
     main.Signal(SIGTERM);
     EXPECT_EQ(main.AwaitEnd(), 0);
 }
@@ -260,23 +275,11 @@ TEST_F(RunningSystemTest, TheTimesOfAStartAreDrawnRankedAndHeldToABudget)
     EXPECT_EQ(trace["traceEvents"].size(), document["steps"].size() + 3) << "and the names of three processes";
 
     ASSERT_EQ(Ask(timeline({"plot", "-o", "plot.svg"})).code, 0);
-    StartedProcess check("/usr/bin/xmllint", {"--noout", system.directory / "plot.svg"});
-    EXPECT_EQ(check.AwaitEnd(), 0) << check.GetOutput();
     const std::string svg = Contents(system.directory / "plot.svg");
-    std::smatch page;
-    ASSERT_TRUE(std::regex_search(svg, page, std::regex("viewBox=\"0 0 ([0-9]+) ([0-9]+)\"")));
-    const std::regex bar("class=\"bar\" x=\"([0-9.]+)\" y=\"([0-9.]+)\" width=\"([0-9.]+)\" height=\"([0-9.]+)\"");
-    std::size_t drawn = 0;
-    for (std::sregex_iterator found(svg.begin(), svg.end(), bar), end; found != end; ++found, ++drawn)
-    {
-        const auto number = [&](std::size_t group)
-        {
-            return std::stod((*found)[group].str());
-        };
-        EXPECT_GT(number(1), 0) << found->str();
-        EXPECT_LE(number(1) + number(3), std::stod(page[1].str())) << found->str();
-        EXPECT_LE(number(2) + number(4), std::stod(page[2].str())) << found->str();
-    }
+    CheckDrawnPage(system.directory, svg);
+    const std::regex bar("class=\"bar\" x=\"[0-9.]+\"");
+    const auto drawn = static_cast<std::size_t>(
+        std::distance(std::sregex_iterator(svg.begin(), svg.end(), bar), std::sregex_iterator()));
     EXPECT_EQ(drawn, bars);
 
     const auto judge = [&](const std::string& budget)

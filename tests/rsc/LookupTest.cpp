@@ -125,9 +125,17 @@ TEST_F(Lookup, TellsWhoPublishesAndWhoUsesServices)
     EXPECT_THAT(published, testing::ElementsAre(std::tuple("", interface, interface, ""),
                                                 std::tuple("", "Second", interface, pump),
                                                 std::tuple(pump, "Third", interface, pump)));
-    EXPECT_EQ(ServiceUsage::GetUsed(),
-              (std::vector<UsedService>{{"", ServiceProvider::Kind::Component, pump, "Third"},
-                                        {pump, ServiceProvider::Kind::Process, "Other", interface}}));
+    const auto listUses = []
+    {
+        std::vector<std::tuple<String, String, String, String>> uses;
+        for (const UsedService& use : ServiceUsage::GetUsed())
+        {
+            uses.emplace_back(use.user, use.process, use.provider, use.serviceName);
+        }
+        return uses;
+    };
+    EXPECT_THAT(listUses(),
+                testing::ElementsAre(std::tuple("", ownName, pump, "Third"), std::tuple(pump, "Other", "", interface)));
 
     ServiceManager::UnpublishService({}, "Second");
     EXPECT_EQ(ServiceUsage::GetPublished().size(), 2U);

@@ -188,11 +188,9 @@ void MainApplicationBase::ExceptionHandler() noexcept
         {
             std::abort();
         }
-        // The first one's message has its time; it ends the process for this one as well.
-        for (;;)
-        {
-            pause();
-        }
+        // The first one's message has its time, and some more for its way out of the log.
+        Commons::Threading::Thread::Sleep(3 * timeForTheLastMessage);
+        std::abort();
     }
     String message = "Terminate application after ";
     message += CaughtException::Current().Describe("unexpected exception:\r\n{0}", "unknown exception");

@@ -223,7 +223,7 @@ ProcessManager::LibraryInUse ProcessManager::UseLibrary(const String& libraryNam
 ComponentProperties ProcessManager::CreateComponent(const String& componentType, const String& componentName,
                                                     const String& libraryName)
 {
-    const Breadcrumb breadcrumb("CreateComponent", "component", componentName);
+    const Breadcrumb breadcrumb("CreateComponent", Breadcrumb::component, componentName);
     if (libraryName.empty())
     {
         return CreateStaticComponent(componentType, componentName);
@@ -289,7 +289,7 @@ void ProcessManager::DestroyComponent(const String& componentName)
 
 void ProcessManager::ReleaseComponent(const String& componentName, std::shared_ptr<IComponent> component) const
 {
-    const Breadcrumb breadcrumb("DestroyComponent", "component", componentName);
+    const Breadcrumb breadcrumb("DestroyComponent", Breadcrumb::component, componentName);
     bool hasEnded = false;
     Guard("withdrawing services of component", componentName,
           [&] { hasEnded = Rsc::ServiceManager::UnpublishComponentServices(componentName); });

@@ -19,7 +19,7 @@ std::shared_ptr<IComponent> ProcessManager::FindComponent(const String& componen
 void ProcessManager::RunStep(IComponent& component, void (IComponent::*step)(), const char* stepName) const
 {
     const String name = component.GetName();
-    const Breadcrumb breadcrumb(stepName, "component", name);
+    const Breadcrumb breadcrumb(stepName, Breadcrumb::component, name);
     (component.*step)();
     log.Trace("{0} of component '{1}' called.", stepName, name);
 }
@@ -30,7 +30,7 @@ void ProcessManager::RunControllerStep(IComponent& component, void (IControllerC
     if (auto* controller = dynamic_cast<IControllerComponent*>(&component))
     {
         const String name = component.GetName();
-        const Breadcrumb breadcrumb(stepName, "component", name);
+        const Breadcrumb breadcrumb(stepName, Breadcrumb::component, name);
         (controller->*step)();
         log.Trace("{0} of component '{1}' called.", stepName, name);
     }
@@ -49,7 +49,7 @@ void ProcessManager::SubscribeComponentServices(IComponent& component) const
 void ProcessManager::LoadComponentSettings(IComponent& component, const String& settingsPath) const
 {
     const String name = component.GetName();
-    const Breadcrumb breadcrumb("LoadSettings", "component", name);
+    const Breadcrumb breadcrumb("LoadSettings", Breadcrumb::component, name);
     component.LoadSettings(settingsPath);
     log.Trace("LoadSettings of component '{0}' with path '{1}' called.", name, settingsPath);
 }

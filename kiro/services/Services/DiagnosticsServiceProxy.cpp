@@ -3,49 +3,47 @@
 namespace Vela::System::Kiro::Services::Internal
 {
 
-using Service = IDiagnosticsService;
-
 IDiagnosticsService::~IDiagnosticsService() = default;
 DiagnosticsServiceProxy::~DiagnosticsServiceProxy() = default;
 
 ProcessIdentity DiagnosticsServiceProxy::GetIdentity()
 {
-    return Invoke<&Service::GetIdentity>();
+    return Invoke<&IDiagnosticsService::GetIdentity>();
 }
 
 ProcessResources DiagnosticsServiceProxy::GetResources()
 {
-    return Invoke<&Service::GetResources>();
+    return Invoke<&IDiagnosticsService::GetResources>();
 }
 
 std::vector<LogCategoryLevel> DiagnosticsServiceProxy::GetLogLevels()
 {
-    return Invoke<&Service::GetLogLevels>();
+    return Invoke<&IDiagnosticsService::GetLogLevels>();
 }
 
 void DiagnosticsServiceProxy::SetLogLevel(const String& category, Commons::Diagnostics::LogLevel level)
 {
-    Invoke<&Service::SetLogLevel>(category, level);
+    Invoke<&IDiagnosticsService::SetLogLevel>(category, level);
 }
 
 LogPage DiagnosticsServiceProxy::GetLogLines(std::uint64_t after, std::uint32_t maximumCount)
 {
-    return Invoke<&Service::GetLogLines>(after, maximumCount);
+    return Invoke<&IDiagnosticsService::GetLogLines>(after, maximumCount);
 }
 
 std::uint32_t DiagnosticsServiceProxy::LogThreadStacks()
 {
-    return Invoke<&Service::LogThreadStacks>();
+    return Invoke<&IDiagnosticsService::LogThreadStacks>();
 }
 
 std::vector<EnvironmentValue> DiagnosticsServiceProxy::GetEnvironment()
 {
-    return Invoke<&Service::GetEnvironment>();
+    return Invoke<&IDiagnosticsService::GetEnvironment>();
 }
 
 ProcessServices DiagnosticsServiceProxy::GetServices()
 {
-    return Invoke<&Service::GetServices>();
+    return Invoke<&IDiagnosticsService::GetServices>();
 }
 
 DiagnosticsServiceProxyFactory& DiagnosticsServiceProxyFactory::GetInstance()

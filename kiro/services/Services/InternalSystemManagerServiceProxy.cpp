@@ -3,49 +3,47 @@
 namespace Vela::System::Kiro::Services::Internal
 {
 
-using Service = ISystemManagerService;
-
 ISystemManagerService::~ISystemManagerService() = default;
 SystemManagerServiceProxy::~SystemManagerServiceProxy() = default;
 
 void SystemManagerServiceProxy::Shutdown()
 {
-    Invoke<&Service::Shutdown>();
+    Invoke<&ISystemManagerService::Shutdown>();
 }
 
 void SystemManagerServiceProxy::PowerDown()
 {
-    Invoke<&Service::PowerDown>();
+    Invoke<&ISystemManagerService::PowerDown>();
 }
 
 void SystemManagerServiceProxy::Restart()
 {
-    Invoke<&Service::Restart>();
+    Invoke<&ISystemManagerService::Restart>();
 }
 
 void SystemManagerServiceProxy::SetEnvironmentVariable(const Name& name, Rsc::RscVariant<512> value)
 {
-    Invoke<&Service::SetEnvironmentVariable>(name, value);
+    Invoke<&ISystemManagerService::SetEnvironmentVariable>(name, value);
 }
 
 std::vector<ISystemManagerService::Name> SystemManagerServiceProxy::GetApplicationNames()
 {
-    return Invoke<&Service::GetApplicationNames>();
+    return Invoke<&ISystemManagerService::GetApplicationNames>();
 }
 
 bool SystemManagerServiceProxy::ResolveDeprecatedVariableName(const Name& name, Name& currentName)
 {
-    return Invoke<&Service::ResolveDeprecatedVariableName>(name, currentName);
+    return Invoke<&ISystemManagerService::ResolveDeprecatedVariableName>(name, currentName);
 }
 
 std::vector<ISystemManagerService::Text> SystemManagerServiceProxy::GetComponentsOfType(const Text& componentType)
 {
-    return Invoke<&Service::GetComponentsOfType>(componentType);
+    return Invoke<&ISystemManagerService::GetComponentsOfType>(componentType);
 }
 
 ISystemManagerService::Text SystemManagerServiceProxy::GetProcessNameOfComponent(const Text& componentName)
 {
-    return Invoke<&Service::GetProcessNameOfComponent>(componentName);
+    return Invoke<&ISystemManagerService::GetProcessNameOfComponent>(componentName);
 }
 
 SystemManagerServiceProxyFactory::SystemManagerServiceProxyFactory()

@@ -3,100 +3,98 @@
 namespace Vela::System::Kiro::Services::Internal
 {
 
-using Service = IProcessManagerService;
-
 IProcessManagerService::~IProcessManagerService() = default;
 ProcessManagerServiceProxy::~ProcessManagerServiceProxy() = default;
 
 void ProcessManagerServiceProxy::ShutdownProcess()
 {
-    Invoke<&Service::ShutdownProcess>();
+    Invoke<&IProcessManagerService::ShutdownProcess>();
 }
 
 bool ProcessManagerServiceProxy::LoadLibrary(const Text& libraryName, const Text& libraryPath)
 {
-    return Invoke<&Service::LoadLibrary>(libraryName, libraryPath);
+    return Invoke<&IProcessManagerService::LoadLibrary>(libraryName, libraryPath);
 }
 
 void ProcessManagerServiceProxy::UnloadLibrary(const Text& libraryName)
 {
-    Invoke<&Service::UnloadLibrary>(libraryName);
+    Invoke<&IProcessManagerService::UnloadLibrary>(libraryName);
 }
 
 ComponentProperties ProcessManagerServiceProxy::CreateComponent(const Text& componentType, const Text& componentName,
                                                                 const Text& libraryName)
 {
-    return Invoke<&Service::CreateComponent>(componentType, componentName, libraryName);
+    return Invoke<&IProcessManagerService::CreateComponent>(componentType, componentName, libraryName);
 }
 
 void ProcessManagerServiceProxy::DestroyComponent(const Text& componentName)
 {
-    Invoke<&Service::DestroyComponent>(componentName);
+    Invoke<&IProcessManagerService::DestroyComponent>(componentName);
 }
 
 void ProcessManagerServiceProxy::InitializeComponent(const Text& componentName)
 {
-    Invoke<&Service::InitializeComponent>(componentName);
+    Invoke<&IProcessManagerService::InitializeComponent>(componentName);
 }
 
 void ProcessManagerServiceProxy::LoadComponentSettings(const Text& componentName, const Text& settingsPath)
 {
-    Invoke<&Service::LoadComponentSettings>(componentName, settingsPath);
+    Invoke<&IProcessManagerService::LoadComponentSettings>(componentName, settingsPath);
 }
 
 void ProcessManagerServiceProxy::SetupComponentSettings(const Text& componentName)
 {
-    Invoke<&Service::SetupComponentSettings>(componentName);
+    Invoke<&IProcessManagerService::SetupComponentSettings>(componentName);
 }
 
 void ProcessManagerServiceProxy::SubscribeComponentServices(const Text& componentName)
 {
-    Invoke<&Service::SubscribeComponentServices>(componentName);
+    Invoke<&IProcessManagerService::SubscribeComponentServices>(componentName);
 }
 
 void ProcessManagerServiceProxy::LoadComponentConfig(const Text& componentName)
 {
-    Invoke<&Service::LoadComponentConfig>(componentName);
+    Invoke<&IProcessManagerService::LoadComponentConfig>(componentName);
 }
 
 void ProcessManagerServiceProxy::SetupComponentConfig(const Text& componentName)
 {
-    Invoke<&Service::SetupComponentConfig>(componentName);
+    Invoke<&IProcessManagerService::SetupComponentConfig>(componentName);
 }
 
 void ProcessManagerServiceProxy::PublishComponentServices(const Text& componentName)
 {
-    Invoke<&Service::PublishComponentServices>(componentName);
+    Invoke<&IProcessManagerService::PublishComponentServices>(componentName);
 }
 
 void ProcessManagerServiceProxy::StartComponent(const Text& componentName)
 {
-    Invoke<&Service::StartComponent>(componentName);
+    Invoke<&IProcessManagerService::StartComponent>(componentName);
 }
 
 void ProcessManagerServiceProxy::StopComponent(const Text& componentName)
 {
-    Invoke<&Service::StopComponent>(componentName);
+    Invoke<&IProcessManagerService::StopComponent>(componentName);
 }
 
 void ProcessManagerServiceProxy::ResetComponentConfig(const Text& componentName)
 {
-    Invoke<&Service::ResetComponentConfig>(componentName);
+    Invoke<&IProcessManagerService::ResetComponentConfig>(componentName);
 }
 
 void ProcessManagerServiceProxy::DisposeComponent(const Text& componentName)
 {
-    Invoke<&Service::DisposeComponent>(componentName);
+    Invoke<&IProcessManagerService::DisposeComponent>(componentName);
 }
 
 void ProcessManagerServiceProxy::PowerDownComponent(const Text& componentName)
 {
-    Invoke<&Service::PowerDownComponent>(componentName);
+    Invoke<&IProcessManagerService::PowerDownComponent>(componentName);
 }
 
 bool ProcessManagerServiceProxy::SetEnvironmentVariable(const Rsc::RscString<128>& name, Rsc::RscVariant<512> value)
 {
-    return Invoke<&Service::SetEnvironmentVariable>(name, value);
+    return Invoke<&IProcessManagerService::SetEnvironmentVariable>(name, value);
 }
 
 ProcessManagerServiceProxyFactory& ProcessManagerServiceProxyFactory::GetInstance()

@@ -3,29 +3,27 @@
 namespace Vela::System::Kiro::Services::Internal
 {
 
-using Service = ISystemDiagnosticsService;
-
 ISystemDiagnosticsService::~ISystemDiagnosticsService() = default;
 SystemDiagnosticsServiceProxy::~SystemDiagnosticsServiceProxy() = default;
 
 SystemStatus SystemDiagnosticsServiceProxy::GetStatus()
 {
-    return Invoke<&Service::GetStatus>();
+    return Invoke<&ISystemDiagnosticsService::GetStatus>();
 }
 
 std::vector<ProcessStatus> SystemDiagnosticsServiceProxy::GetProcesses()
 {
-    return Invoke<&Service::GetProcesses>();
+    return Invoke<&ISystemDiagnosticsService::GetProcesses>();
 }
 
 std::vector<ComponentStatus> SystemDiagnosticsServiceProxy::GetComponents()
 {
-    return Invoke<&Service::GetComponents>();
+    return Invoke<&ISystemDiagnosticsService::GetComponents>();
 }
 
 Timeline SystemDiagnosticsServiceProxy::GetTimeline()
 {
-    return Invoke<&Service::GetTimeline>();
+    return Invoke<&ISystemDiagnosticsService::GetTimeline>();
 }
 
 SystemDiagnosticsServiceProxyFactory::SystemDiagnosticsServiceProxyFactory()

@@ -3,20 +3,18 @@
 namespace Vela::System::Kiro::Services
 {
 
-using Service = ISystemManagerService;
-
 ComponentInfo::~ComponentInfo() = default;
 ISystemManagerService::~ISystemManagerService() = default;
 SystemManagerServiceProxy::~SystemManagerServiceProxy() = default;
 
 void SystemManagerServiceProxy::Shutdown()
 {
-    Invoke<&Service::Shutdown>();
+    Invoke<&ISystemManagerService::Shutdown>();
 }
 
 std::vector<ComponentInfo> SystemManagerServiceProxy::GetComponentInfos()
 {
-    return Invoke<&Service::GetComponentInfos>();
+    return Invoke<&ISystemManagerService::GetComponentInfos>();
 }
 
 SystemManagerServiceProxyFactory::SystemManagerServiceProxyFactory()

@@ -17,30 +17,45 @@ constexpr std::size_t maximumUses = 1024;
 
 } // namespace
 
-void ServiceUses::Add(const ServiceProvider& provider, const String& interfaceName)
+void ServiceUses::Add(const ServiceProvider& provider, const String& interfaceName, const String& process)
 {
-    UsedService use{.user = GetActingComponent(),
-                    .providerKind = provider.GetKind(),
-                    .provider = provider.GetName(),
-                    .serviceName = provider.GetServiceName().empty() ? interfaceName : provider.GetServiceName()};
-    const std::lock_guard lock(mutex);
-    if (uses.size() < maximumUses)
+    Use use{GetActingComponent(), process,
+            provider.GetKind() == ServiceProvider::Kind::Component ? provider.GetName() : String(),
+            provider.GetServiceName().empty() ? interfaceName : provider.GetServiceName()};
     {
-        uses.insert(std::move(use));
+        const std::lock_guard lock(mutex);
+        if (uses.size() < maximumUses)
+        {
+            uses.insert(std::move(use));
+            return;
+        }
+        if (isFull || uses.contains(use))
+        {
+            return;
+        }
+        isFull = true;
     }
+    log.Warning("The process has looked up more than {0} services; diagnostics show the first ones only.", maximumUses);
 }
 
 std::vector<UsedService> ServiceUses::List() const
 {
+    std::vector<UsedService> list;
     const std::lock_guard lock(mutex);
-    return {uses.begin(), uses.end()};
+    for (const auto& [user, process, provider, serviceName] : uses)
+    {
+        list.push_back({.user = user, .process = process, .provider = provider, .serviceName = serviceName});
+    }
+    return list;
 }
 
 String ServiceUses::GetActingComponent()
 {
-    const auto* breadcrumb = Commons::Diagnostics::Breadcrumb::GetCurrent();
-    return breadcrumb != nullptr && std::string_view(breadcrumb->GetKind()) == "component" ? breadcrumb->GetSubject()
-                                                                                           : String();
+    using Commons::Diagnostics::Breadcrumb;
+    const auto* breadcrumb = Breadcrumb::GetCurrent();
+    return breadcrumb != nullptr && std::string_view(breadcrumb->GetKind()) == Breadcrumb::component
+               ? breadcrumb->GetSubject()
+               : String();
 }
 
 } // namespace Vela::System::Rsc

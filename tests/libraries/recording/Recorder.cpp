@@ -85,7 +85,7 @@ void Recorder::Act(const String& action)
     const String verb = TakeWord(rest);
     if (verb == "publish")
     {
-        Publish();
+        Publish(rest);
     }
     else if (verb == "when")
     {
@@ -130,10 +130,10 @@ void Recorder::Report(const char* step) const
     log.Info("{0} takes step {1}", GetName(), step);
 }
 
-void Recorder::Publish()
+void Recorder::Publish(const String& serviceName)
 {
     System::Rsc::RscServiceFactory<IRecordingService> factory(*service);
-    PublishComponentService(nullptr, &factory);
+    PublishComponentService(serviceName.c_str(), &factory);
 }
 
 void Recorder::Initialize()

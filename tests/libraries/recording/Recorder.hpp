@@ -55,7 +55,7 @@ private:
     /// Writes the step into trace and log.
     void Report(const char* step) const;
     void Act(const String& action);
-    void Publish();
+    void Publish(const String& serviceName);
 
     const String process;
     Script script;

@@ -20,7 +20,7 @@
 //                                                   when that opening returns, the step is here
 //     settle <thread>                               waits until that thread of the parent process rests
 //     crash | kill | exit <code>                    the process ends: SIGSEGV, SIGKILL, _exit
-//     publish                                       publishes IRecordingService under the component's name
+//     publish [<name>]                              publishes IRecordingService under the component's name
 //     request Shutdown|Restart|PowerDown            asks the system manager
 //     call <component> <action>                     lets a component that has published its service act
 //     attempt <action>                              logs what the action throws and goes on

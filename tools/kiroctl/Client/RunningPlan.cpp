@@ -1,8 +1,5 @@
 #include "RunningPlan.hpp"
 
-#include "ServiceList.hpp"
-
-#include <algorithm>
 #include <map>
 #include <set>
 #include <utility>
@@ -13,20 +10,15 @@ namespace Vela::Kiroctl
 namespace
 {
 
-/// The others are how the processes of a system talk to each other, the same in all systems.
-bool IsOfComponents(const Json& service)
+/// How the processes of a system talk to each other, the same in all systems.
+bool IsOfFramework(const Json& service)
 {
-    const auto hasComponent = [](const Json& holder)
-    {
-        return HasText(holder.at("component"));
-    };
-    const Json& users = service.at("users");
-    return hasComponent(service) || std::any_of(users.begin(), users.end(), hasComponent);
+    return service.at("name").get_ref<const std::string&>().starts_with("Vela.System.");
 }
 
 } // namespace
 
-Json DescribeRunningSystem(const RunningSystem& system)
+Json DescribeRunningSystem(const RunningSystem& system, const ServiceList& services)
 {
     const auto diagnostics = system.GetDiagnostics();
     Json plan{{"configuration", diagnostics->GetStatus().configuration}};
@@ -48,6 +40,7 @@ Json DescribeRunningSystem(const RunningSystem& system)
                               {"problem", component.failure.text}});
     }
     Json processes = Json::array();
+    std::set<String> names;
     for (const auto& process : diagnostics->GetProcesses())
     {
         Json loaded = Json::array();
@@ -55,6 +48,7 @@ Json DescribeRunningSystem(const RunningSystem& system)
         {
             loaded.push_back({{"name", library}, {"path", ""}});
         }
+        names.insert(process.name);
         const bool isExternal = process.state == "external";
         processes.push_back({{"name", process.name},
                              {"kind", process.isMain ? "main"
@@ -66,11 +60,11 @@ Json DescribeRunningSystem(const RunningSystem& system)
     plan["processes"] = std::move(processes);
     plan["components"] = std::move(components);
     plan["services"] = Json::array();
-    for (Json& service : ListServices(system))
+    for (const Json& service : services.services)
     {
-        if (IsOfComponents(service))
+        if (!IsOfFramework(service) && names.contains(service.at("process").get<std::string>()))
         {
-            plan["services"].push_back(std::move(service));
+            plan["services"].push_back(service);
         }
     }
     return plan;

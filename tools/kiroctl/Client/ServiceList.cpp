@@ -1,6 +1,13 @@
 #include "ServiceList.hpp"
 
+#include "../CommandError.hpp"
+
+#include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/PlainText.hpp>
+
+#include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -10,40 +17,44 @@ namespace Vela::Kiroctl
 namespace
 {
 
+using System::Commons::MakePlainText;
 using System::Rsc::PublishedService;
-using System::Rsc::ServiceProvider;
 using System::Rsc::UsedService;
+
+/// Names of services are what component code says they are; they go into documents that must be read again.
+std::string Clean(const String& text)
+{
+    return Json::parse(Json(MakePlainText(text)).dump(-1, ' ', false, Json::error_handler_t::replace));
+}
 
 class ServiceTable
 {
 public:
-    void AddPublished(const Services::ProcessStatus& process, const PublishedService& service)
+    explicit ServiceTable(std::set<String> knownComponents)
+        : components(std::move(knownComponents))
     {
-        const std::size_t index = list.size();
-        const auto kind = service.provider.empty() ? ServiceProvider::Kind::Process : ServiceProvider::Kind::Component;
-        indexes[{kind, service.provider.empty() ? process.name : service.provider, service.serviceName}] = index;
-        if (process.isMain && service.provider.empty())
-        {
-            indexes[{ServiceProvider::Kind::MainProcess, {}, service.serviceName}] = index;
-        }
-        list.push_back({{"name", service.serviceName},
-                        {"interface", service.interfaceName},
-                        {"process", process.name},
-                        {"component", service.provider.empty() ? service.publisher : service.provider},
-                        {"users", Json::array()}});
     }
 
-    /// A service that has been withdrawn since has no users.
+    void AddPublished(const String& process, const PublishedService& service)
+    {
+        const String& publisher = Check(service.publisher);
+        Json& entry = Add({process, service.provider, service.serviceName},
+                          publisher.empty() ? Check(service.provider) : publisher);
+        entry["interface"] = Clean(service.interfaceName);
+        entry["isPublished"] = true;
+    }
+
     void AddUse(const String& process, const UsedService& use)
     {
-        const bool isNamed =
-            use.providerKind == ServiceProvider::Kind::Process || use.providerKind == ServiceProvider::Kind::Component;
-        // The port of this machine that leads to the system is the main process's.
-        const auto found = indexes.find(isNamed ? Key(use.providerKind, use.provider, use.serviceName)
-                                                : Key(ServiceProvider::Kind::MainProcess, {}, use.serviceName));
-        if (found != indexes.end())
+        const Key key{use.process, use.provider, use.serviceName};
+        const auto known = indexes.find(key);
+        Json& users = (known != indexes.end() ? list[known->second] : Add(key, Check(use.provider))).at("users");
+        // All components of a process are notified over one connection, which the first that subscribes brings about.
+        const bool isShared = use.serviceName.starts_with("Vela.System.Nm.");
+        const Json user{{"process", process}, {"component", isShared ? String() : Check(use.user)}};
+        if (std::find(users.begin(), users.end(), user) == users.end())
         {
-            list[found->second]["users"].push_back({{"process", process}, {"component", use.user}});
+            users.push_back(user);
         }
     }
 
@@ -53,29 +64,79 @@ public:
     }
 
 private:
-    /// How and where a service is looked up, and its name.
-    using Key = std::tuple<ServiceProvider::Kind, String, String>;
+    /// Process, provider and name.
+    using Key = std::tuple<String, String, String>;
 
+    /// What the framework brings along is in no configuration: it counts for its process.
+    [[nodiscard]] const String& Check(const String& component) const
+    {
+        static const String none;
+        return components.contains(component) ? component : none;
+    }
+
+    Json& Add(const Key& key, const String& component)
+    {
+        const auto& [process, provider, name] = key;
+        indexes[key] = list.size();
+        list.push_back({{"name", Clean(name)},
+                        {"interface", ""},
+                        {"process", process},
+                        {"provider", Clean(provider)},
+                        {"component", component},
+                        {"isPublished", false},
+                        {"users", Json::array()}});
+        return list.back();
+    }
+
+    const std::set<String> components;
     Json list = Json::array();
     std::map<Key, std::size_t> indexes;
 };
 
 } // namespace
 
-Json ListServices(const RunningSystem& system)
+void ServiceList::CheckComplete() const
 {
-    ServiceTable table;
-    std::vector<std::pair<String, std::vector<UsedService>>> users;
-    for (const auto& process : system.GetDiagnostics()->GetProcesses())
+    if (!silentProcesses.empty())
     {
-        if (RunningSystem::CanAnswer(process))
+        throw CommandError(ExitCode::Unreachable, "The services of process '{}' are missing: it does not answer.",
+                           fmt::join(silentProcesses, "', '"));
+    }
+}
+
+ServiceList ListServices(const RunningSystem& system)
+{
+    const auto diagnostics = system.GetDiagnostics();
+    std::set<String> components;
+    for (const auto& component : diagnostics->GetComponents())
+    {
+        components.insert(component.name);
+    }
+    ServiceTable table(std::move(components));
+    ServiceList list;
+    std::vector<std::pair<String, std::vector<UsedService>>> users;
+    for (const auto& process : diagnostics->GetProcesses())
+    {
+        if (!RunningSystem::CanAnswer(process))
+        {
+            continue;
+        }
+        try
         {
             auto services = system.GetProcess(process.name)->GetServices();
             for (const PublishedService& service : services.published)
             {
-                table.AddPublished(process, service);
+                table.AddPublished(process.name, service);
             }
             users.emplace_back(process.name, std::move(services.used));
+        }
+        catch (const CommandError&)
+        {
+            list.silentProcesses.push_back(process.name);
+        }
+        catch (const RscException&)
+        {
+            list.silentProcesses.push_back(process.name);
         }
     }
     for (const auto& [process, uses] : users)
@@ -85,7 +146,8 @@ Json ListServices(const RunningSystem& system)
             table.AddUse(process, use);
         }
     }
-    return table.Take();
+    list.services = table.Take();
+    return list;
 }
 
 } // namespace Vela::Kiroctl

@@ -24,7 +24,19 @@ public:
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
-        const Json plan = isRunning ? DescribeRunningSystem(RunningSystem(session)) : arguments.Build();
+        ServiceList services;
+        Json plan;
+        if (isRunning)
+        {
+            arguments.CheckUnused("--running");
+            const RunningSystem system(session);
+            services = ListServices(system);
+            plan = DescribeRunningSystem(system, services);
+        }
+        else
+        {
+            plan = arguments.Build();
+        }
         if (output.IsJson())
         {
             output.WriteJson(ListGraph(plan));
@@ -33,6 +45,7 @@ public:
         {
             output.Write(format == "svg" ? DrawSvg(plan) : WriteDot(plan));
         }
+        services.CheckComplete();
         return ExitCode::Success;
     }
 

@@ -27,7 +27,8 @@ public:
         Output& output = session.GetOutput();
         Json json = Json::array();
         Table table({{"SERVICE"}, {"PROCESS"}, {"PUBLISHED BY"}, {"USED BY"}});
-        for (Json& service : ListServices(RunningSystem(session)))
+        ServiceList list = ListServices(RunningSystem(session));
+        for (Json& service : list.services)
         {
             std::string users;
             bool isWanted = component.empty() || service.at("component") == component;
@@ -39,11 +40,13 @@ public:
             if (isWanted)
             {
                 table.AddRow({service.at("name").get<std::string>(), service.at("process").get<std::string>(),
-                              GetHolder(service), users.empty() ? "-" : users});
+                              service.at("isPublished") == true ? GetHolder(service) : "-",
+                              users.empty() ? "-" : users});
                 json.push_back(std::move(service));
             }
         }
         output.IsJson() ? output.WriteJson(json) : output.WriteTable(table);
+        list.CheckComplete();
         return ExitCode::Success;
     }
 

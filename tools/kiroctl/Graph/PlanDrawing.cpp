@@ -232,7 +232,8 @@ private:
         height = std::max(height, y + margin);
         processX = margin + railWidth;
         libraryX = processX + boxWidth + columnGap;
-        width = libraries.empty() ? processX + boxWidth + margin : libraryX + libraryWidth + margin;
+        const double behindBoxes = services.empty() ? margin : margin + columnGap;
+        width = libraries.empty() ? processX + boxWidth + behindBoxes : libraryX + libraryWidth + margin;
         width = std::max(
             width,
             2 * margin + SvgPage::GetTextWidth(plan.at("configuration")

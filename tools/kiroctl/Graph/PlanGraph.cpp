@@ -32,9 +32,13 @@ std::string NameHolder(const Json& holder)
     return component.empty() ? "process " + holder.at("process").get<std::string>() : "component " + component;
 }
 
+/// By how it is found.
 std::string NameService(const Json& service)
 {
-    return fmt::format("service {} of {}", service.at("name").get<std::string>(), NameHolder(service));
+    const std::string provider = service.at("provider");
+    return fmt::format("service {} of {}", service.at("name").get<std::string>(),
+                       provider.empty() ? "process " + service.at("process").get<std::string>()
+                                        : "component " + provider);
 }
 
 /// Processes that publish or use a service themselves: they need a node where edges begin and end.

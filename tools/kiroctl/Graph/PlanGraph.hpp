@@ -21,11 +21,11 @@ inline Json GetServices(const Json& plan)
     return plan.value("services", Json::array());
 }
 
-/// "ITankService" of "Plant.Services.ITankService".
+/// "ITankService" of "Plant.Services.ITankService"; a name that is none of an interface as it is.
 inline std::string GetShortName(const Json& service)
 {
     const std::string name = service.at("name");
-    return name.substr(name.rfind('.') + 1);
+    return service.at("interface") == name ? name.substr(name.rfind('.') + 1) : name;
 }
 
 } // namespace Vela::Kiroctl

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../CommandError.hpp"
 #include "../Offline/DocumentArguments.hpp"
 #include "PlanBuilder.hpp"
 
@@ -14,6 +15,18 @@ struct PlanArguments
         DeclareDocuments(command, documents);
         command.AddFlag("--no-load", isLoadingForbidden,
                         "Do not construct components to ask for their own start orders");
+    }
+
+    /// @param option  what stands in place of documents
+    /// @throws CommandError (Usage) when documents are named all the same
+    void CheckUnused(const char* option) const
+    {
+        const SystemDocuments defaults;
+        if (documents.settings != defaults.settings || documents.configuration != defaults.configuration ||
+            isLoadingForbidden)
+        {
+            throw CommandError(ExitCode::Usage, "{} takes no documents.", option);
+        }
     }
 
     [[nodiscard]] Json Build() const

@@ -3,9 +3,7 @@
 #include <Vela/String.hpp>
 #include <Vela/System/Rsc/Api.hpp>
 #include <Vela/System/Rsc/Marshaling.hpp>
-#include <Vela/System/Rsc/ServiceProvider.hpp>
 
-#include <compare>
 #include <tuple>
 #include <vector>
 
@@ -28,11 +26,11 @@ struct UsedService
 {
     /// The component in whose lifecycle step that happened; empty when it happened outside of one.
     String user;
-    ServiceProvider::Kind providerKind = ServiceProvider::Kind::None;
+    /// Where it was found.
+    String process;
+    /// The component by whose name it was found; empty: it is the process's.
     String provider;
     String serviceName;
-
-    auto operator<=>(const UsedService&) const = default;
 };
 
 /// Who publishes and who uses which service, as far as this process knows. Thread-safe.
@@ -43,8 +41,8 @@ public:
 
     /// The published services, in the order of their numbers; none without a remoting manager.
     static std::vector<PublishedService> GetPublished();
-    /// The services in use: each once, in order, and no more than the first 1,024 that were found. A service stays in
-    /// the list when its proxy is gone.
+    /// All services that were found, by names; no more than the first 1,024, the next one is warned of. A service stays
+    /// in the list when its proxy is gone or it was withdrawn.
     static std::vector<UsedService> GetUsed();
 };
 
@@ -59,7 +57,7 @@ template <>
 struct StructFields<UsedService>
 {
     static constexpr auto fields =
-        std::tuple(&UsedService::user, &UsedService::providerKind, &UsedService::provider, &UsedService::serviceName);
+        std::tuple(&UsedService::user, &UsedService::process, &UsedService::provider, &UsedService::serviceName);
 };
 
 } // namespace Vela::System::Rsc

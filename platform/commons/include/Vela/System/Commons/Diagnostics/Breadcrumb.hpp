@@ -7,13 +7,17 @@ namespace Vela::System::Commons::Diagnostics
 {
 
 /// Says what the calling thread is about to do for whom, as long as it lives, so that a crash or a look at the thread
-/// can tell. They nest; the innermost counts. It costs a few writes to memory of the thread.
+/// can tell, and so that what the thread does is put down to the right component: services that it publishes or looks
+/// up, for instance. They nest; the innermost counts. It costs a few writes to memory of the thread.
 class VELA_COMMONS_API Breadcrumb
 {
 public:
+    /// The kind of a subject that is a component.
+    static constexpr const char* component = "component";
+
     /// The texts must live as long.
     /// @param stepName  what is done, such as "Initialize"
-    /// @param subjectKind  what it is done to, "component" or "library"
+    /// @param subjectKind  what it is done to: `component`, or "library"
     /// @param subjectName  its name
     Breadcrumb(const char* stepName, const char* subjectKind, const String& subjectName) noexcept;
     Breadcrumb(const char* stepName, const char* subjectKind, String&& subjectName) = delete;
