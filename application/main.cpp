@@ -25,7 +25,7 @@ int main(int argc, char** argv)
         {
             // A thread may still be inside a component: nothing may be taken away from under it.
             std::cout.flush();
-            std::_Exit(exitCode);
+            std::_Exit(exitCode != 0 ? exitCode : 1);
         }
         return exitCode;
     }

@@ -192,6 +192,8 @@ int GetExitCode(const FaultCell& cell, Outcome outcome)
     switch (outcome)
     {
     case Outcome::EndsInOrder:
+        // With a process gone not everything can be taken down.
+        return cell.GetKilledProcess().empty() ? 0 : 1;
     case Outcome::RemovesFaulty:
         return 0;
     case Outcome::NeverStarts:
@@ -350,6 +352,8 @@ bool LeavesRecord(const FaultCell& cell, Outcome outcome)
     case Outcome::SetupFails:
     case Outcome::WatchdogEnds:
         return true;
+    case Outcome::EndsInOrder:
+        return !cell.GetKilledProcess().empty();
     default:
         break;
     }

@@ -114,9 +114,24 @@ TEST_F(CrashTest, AFailedSetUpIsRecordedWithItsPhaseAndReason)
     auto record = ReadRecord();
     EXPECT_EQ(record["reason"], "failed set-up");
     EXPECT_EQ(record["phase"], "Configuring the components");
+    EXPECT_EQ(record["step"] + " of " + record["component"], "SetupComponentConfig of Faulty");
     EXPECT_NE(record["error"].find("out of paper"), std::string::npos) << record["error"];
     EXPECT_NE(record["processes"].find("]: running"), std::string::npos) << record["processes"];
     EXPECT_NE(record["log"].find("Faulty takes step SetupConfig"), record["log"].find("out of paper"));
+}
+
+TEST_F(CrashTest, AProcessThatDiesOnTheWayDownLeavesOneRecordAndAnExitCode)
+{
+    Configure({"MainProcess", "Left"}, {{"Faulty", "Left", "RecordingController"}});
+    WriteScript("Faulty Stop exit 7\n");
+    StartedProcess main = system.Start();
+    main.AwaitLine(isUp);
+    main.Signal(SIGTERM);
+    EXPECT_EQ(main.AwaitEnd(), 1) << main.GetOutput();
+    auto record = ReadRecord();
+    EXPECT_EQ(record["reason"], "not taken down in order");
+    EXPECT_EQ(record["phase"], "Stopping the processes");
+    EXPECT_NE(record["processes"].find("]: exit code 7"), std::string::npos) << record["processes"];
 }
 
 TEST_F(CrashTest, AChildThatCannotBeSetUpBeginsTheRecordThatTheMainProcessEnds)

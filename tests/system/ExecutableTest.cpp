@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 
 namespace Vela::Testing
 {
@@ -79,6 +80,8 @@ TEST_F(ExecutableTest, RefusesASecondMainProcessOfTheSameSystem)
     EXPECT_EQ(second.AwaitEnd(), 1);
     EXPECT_TRUE(second.HasOutput(system.GetRuntimeDirectory())) << second.GetOutput();
     EXPECT_TRUE(second.HasOutput(std::to_string(first.GetId()))) << second.GetOutput();
+    EXPECT_FALSE(std::filesystem::exists(system.GetRuntimeDirectory() + "/crashes"))
+        << "nothing of the first has failed";
 
     first.Signal(SIGTERM);
     EXPECT_EQ(first.AwaitEnd(), 0) << first.GetOutput();

@@ -7,8 +7,10 @@
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Kiro/Internal/ApplicationBase.hpp>
+#include <Vela/System/Kiro/Internal/MainApplicationBase.hpp>
 #include <Vela/VelaVersion.hpp>
 
+#include <algorithm>
 #include <iostream>
 
 namespace Vela::System::Kiro::Internal
@@ -25,6 +27,21 @@ namespace
 String DescribeCurrentException()
 {
     return CaughtException::Current().Describe("Exception occurs: {0}", "Unspecified exception occurs.");
+}
+
+/// The step that ended a set-up, as fields of a record; none when it ended between two steps.
+Commons::Diagnostics::CrashRecords::Fields FindFailedStep(const Services::Internal::Timeline& timeline)
+{
+    const auto failed =
+        std::find_if(timeline.steps.rbegin(), timeline.steps.rend(),
+                     [](const auto& step) {
+                         return step.outcome == "failed" && (step.subject == "component" || step.subject == "library");
+                     });
+    if (failed == timeline.steps.rend())
+    {
+        return {};
+    }
+    return {{failed->subject, failed->name}, {"step", failed->step}};
 }
 
 } // namespace
@@ -102,18 +119,27 @@ bool ApplicationBase::Dispose()
 
 void ApplicationBase::RecordFailure(const String& error) const
 {
+    const String failed = data->isSetUp ? "failed" : "failed set-up";
     // A child that has lost its parent in the middle of its start has failed at nothing itself.
     if (data->parent.FindEnded())
     {
         return;
     }
     const auto* systemManager = Singleton<Sm::SystemManager>::TryGetInstance();
-    data->failureRecord.Write(GetName(), data->isSetUp ? "failed" : "failed set-up", error,
-                              systemManager == nullptr ? std::vector<Sm::ProcessState>()
-                                                       : systemManager->DescribeProcesses());
-    if (systemManager != nullptr && !data->isSetUp)
+    if (systemManager == nullptr)
     {
-        FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(systemManager->GetDiagnostics().GetTimeline()));
+        // Another system's directory keeps that system's records only.
+        if (data->commandLine.Has(MainApplicationBase::startAsChildOptionName) || !FailureRecord::IsDirectoryTaken())
+        {
+            data->failureRecord.Write(GetName(), failed, error, {}, {});
+        }
+        return;
+    }
+    const auto timeline = systemManager->GetDiagnostics().GetTimeline();
+    data->failureRecord.Write(GetName(), failed, error, FindFailedStep(timeline), systemManager->DescribeProcesses());
+    if (!data->isSetUp)
+    {
+        FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(timeline));
     }
 }
 

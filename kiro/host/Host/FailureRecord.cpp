@@ -1,6 +1,5 @@
 #include <Host/FailureRecord.hpp>
 #include <Vela/CaughtException.hpp>
-#include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
 #include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Commons/SystemError.hpp>
 #include <Vela/System/Commons/UniqueFd.hpp>
@@ -8,9 +7,11 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string_view>
 
 namespace Vela::System::Kiro::Internal
@@ -56,7 +57,7 @@ void FailureRecord::SetPhase(const String& text)
 }
 
 void FailureRecord::Write(const String& processName, const String& reason, const String& error,
-                          const std::vector<Sm::ProcessState>& processes) noexcept
+                          const CrashRecords::Fields& place, const std::vector<Sm::ProcessState>& processes) noexcept
 {
     try
     {
@@ -68,6 +69,7 @@ void FailureRecord::Write(const String& processName, const String& reason, const
         if (isFirst)
         {
             fields.insert(fields.end(), {{"process", processName}, {"pid", std::to_string(getpid())}});
+            fields.insert(fields.end(), place.begin(), place.end());
         }
         fields.insert(fields.end(), {{"phase", phase},
                                      {"error", error},
@@ -86,6 +88,20 @@ void FailureRecord::Write(const String& processName, const String& reason, const
     catch (...)
     {
         log.Warning("No record of the failure could be left: {0}", CaughtException::Current().GetText());
+    }
+}
+
+bool FailureRecord::IsDirectoryTaken() noexcept
+{
+    try
+    {
+        const pid_t owner = Rsc::RscManager::FindMainProcess();
+        return owner != 0 && owner != ::getpid() && (::kill(owner, 0) == 0 || errno == EPERM);
+    }
+    catch (...)
+    {
+        // There is none yet.
+        return false;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <Sm/ISystemManagerHost.hpp>
 #include <Vela/String.hpp>
+#include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
 #include <Vela/System/Commons/Diagnostics/Loggable.hpp>
 
 #include <ctime>
@@ -19,8 +20,13 @@ public:
     /// What the system does from now on.
     void SetPhase(const String& text);
     /// Never throws: without room for a record the failure itself is still in the log.
+    /// @param place  fields that say which step of what has failed
     void Write(const String& processName, const String& reason, const String& error,
+               const Commons::Diagnostics::CrashRecords::Fields& place,
                const std::vector<Sm::ProcessState>& processes) noexcept;
+
+    /// Whether the runtime directory belongs to the system of another main process that lives.
+    static bool IsDirectoryTaken() noexcept;
 
     /// Leaves the times of a start that has failed beside the records, in place of those of an earlier one. Never
     /// throws.

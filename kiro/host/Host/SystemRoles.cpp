@@ -49,7 +49,7 @@ void SystemRoles::RestartSystem()
 
 void SystemRoles::RecordFailure(const String& reason, const std::vector<Sm::ProcessState>& processes)
 {
-    data.failureRecord.Write(GetName(), reason, {}, processes);
+    data.failureRecord.Write(GetName(), reason, {}, {}, processes);
 }
 
 void SystemRoles::ReportStatus(const String& text)

@@ -192,6 +192,7 @@ bool SystemManager::Dispose()
         }
     };
     auto& journal = diagnostics.GetJournal();
+    const bool wasRunning = diagnostics.GetStatus().state == "running";
     diagnostics.SetState("stopping");
     EnterPhase("stop", "Stopping the components");
     guard([this] { componentsController.StopComponents(); });
@@ -206,6 +207,10 @@ bool SystemManager::Dispose()
     guard([this] { PublishSnapshot(); });
     guard([this] { UnpublishServices(); });
     guard([] { AppDomainSingleton<Rsc::RscManager>::GetInstance().CloseAllClients(false); });
+    if (!isOrderly && wasRunning)
+    {
+        host.RecordFailure("not taken down in order", DescribeProcesses());
+    }
     processes.clear();
     return isOrderly;
 }
