@@ -345,8 +345,9 @@ TEST_F(RunningSystemTest, WhatFailsIsExplainedInFull)
 {
     Configure({"MainProcess", "Left"}, {{"Tank1", "Left", "Recorder:controller:order=1"},
                                         {"Valve", "Left", "Recorder:controller:order=2", "isRequired=\"false\""},
-                                        {"Pump", "Left", "Recorder:controller:order=3", "isRequired=\"true\""}});
-    WriteScript("Valve SetupSettings throw platform the seat is worn\n");
+                                        {"Pump", "Left", "Recorder:controller:order=3", "isRequired=\"true\""},
+                                        {"Fan", "Left", "Recorder:controller:order=4", "isRequired=\"false\""}});
+    WriteScript("Valve SetupSettings throw platform the seat is worn\nFan Start throw platform it is stuck\n");
     {
         StartedProcess main = system.Start();
         main.AwaitLine(isUp);
@@ -356,6 +357,7 @@ TEST_F(RunningSystemTest, WhatFailsIsExplainedInFull)
         EXPECT_EQ(valve["failure"]["phase"], "settings");
         EXPECT_NE(valve["failure"]["text"].get<std::string>().find("the seat is worn"), std::string::npos);
         EXPECT_NE(Ask({"explain", "Valve"}).text.find("the seat is worn"), std::string::npos);
+        EXPECT_EQ(AskJson({"explain", "Fan"}, 1)["state"], "removed");
         EXPECT_EQ(AskJson({"explain", "Pump"})["state"], "running");
         main.Signal(SIGTERM);
         EXPECT_EQ(main.AwaitEnd(), 0);

@@ -126,13 +126,23 @@ void ComponentsController::CreateComponent(const std::shared_ptr<ComponentData>&
 {
     log.Debug("Creating component '{0}' in process '{1}'.", component->name, process->name);
     const auto service = process->processManagerService;
-    const auto properties =
-        slowCalls.Watched("CreateComponent", "component", component->name, process->name,
-                          [&]
-                          {
-                              return service->CreateComponent(RemoteName(component->type), RemoteName(component->name),
-                                                              RemoteName(component->library));
-                          });
+    const auto properties = slowCalls.Watched(
+        "CreateComponent", "component", component->name, process->name,
+        [&]
+        {
+            try
+            {
+                return service->CreateComponent(RemoteName(component->type), RemoteName(component->name),
+                                                RemoteName(component->library));
+            }
+            catch (...)
+            {
+                // What a constructor throws does not say whose it is, and ends the start.
+                log.Error("Component '{0}' of type '{1}' from library '{2}' cannot be created in process '{3}'.",
+                          component->name, component->type, component->library, process->name);
+                throw;
+            }
+        });
     log.Info("Component '{0}' in process '{1}' created.", component->name, process->name);
 
     component->isControllerComponent = properties.IsControllerComponent;

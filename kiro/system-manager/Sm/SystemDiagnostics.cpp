@@ -1,4 +1,5 @@
 #include <Sm/SystemDiagnostics.hpp>
+#include <Vela/System/Commons/Io/Path.hpp>
 #include <Vela/System/Commons/Runtime/ProcessUsage.hpp>
 
 #include <unistd.h>
@@ -57,7 +58,7 @@ String ToText(const char* text)
 
 SystemDiagnostics::SystemDiagnostics(String systemName, String configurationPath)
     : name(std::move(systemName))
-    , configuration(std::move(configurationPath))
+    , configuration(Commons::Io::Path::GetFullPath(configurationPath))
 {
 }
 
@@ -302,7 +303,8 @@ std::vector<ComponentStatus> SystemDiagnostics::GetComponents() const
         {
             component.failure = Describe(*found->second);
             const bool isGone = component.state == "destroyed" || component.state == "disposed";
-            const bool wasForward = component.failure.phase == "settings" || component.failure.phase == "config";
+            const bool wasForward = component.failure.phase == "settings" || component.failure.phase == "config" ||
+                                    component.failure.phase == "start";
             if (isGone && wasForward)
             {
                 component.state = component.isRequired ? "failed" : "removed";

@@ -180,7 +180,17 @@ void LifecycleModel::Create(Component& component)
 {
     const ComponentCase& declared = *component.declared;
     SayOf("Debug", "Creating component '{0}' in process '{1}'.", component);
-    Call(component, "Create");
+    try
+    {
+        Call(component, "Create");
+    }
+    catch (const Failure&)
+    {
+        Say(LifecycleCase::mainProcess, "Error", controller,
+            fmt::format("Component '{0}' of type '{1}' from library '{2}' cannot be created in process '{3}'.",
+                        declared.name, declared.GetType(), declared.library, component.process->name));
+        throw;
+    }
     SayOf("Info", "Component '{0}' in process '{1}' created.", component);
     const bool isFromLibrary = !declared.library.empty();
     component.isController = isFromLibrary && declared.isController;
