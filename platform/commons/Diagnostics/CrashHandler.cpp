@@ -124,7 +124,7 @@ int OpenRecord(PlainWriter& writer) noexcept
         return -1;
     }
     ::mkdirat(runtimeDirectory, CrashRecords::directoryName, S_IRWXU);
-    writer.Text(CrashRecords::directoryName).Text("/").Time(GetTime(), true);
+    writer.Text(CrashRecords::directoryName).Text("/").CompactTime();
     writer.Text("-").Number(static_cast<std::uint64_t>(::getpid())).Text(CrashRecords::fileNameEnd);
     const int file = ::openat(runtimeDirectory, writer.GetLine(),
                               O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
@@ -166,7 +166,7 @@ void Report(int signal, const siginfo_t& info, void* context) noexcept
     writer.AddTarget(STDERR_FILENO);
     writer.AddTarget(record);
     writer.Text("reason: crash").EndLine();
-    writer.Text("time: ").Time(GetTime(), false).EndLine();
+    writer.Text("time: ").Time(GetTime()).EndLine();
     writer.Text("process: ").Text(state.process.data(), state.process.size()).EndLine();
     writer.Text("pid: ").Number(static_cast<std::uint64_t>(::getpid())).EndLine();
     WriteOrigin(writer, signal, info);

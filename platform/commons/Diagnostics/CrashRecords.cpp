@@ -11,11 +11,11 @@
 #include <fmt/format.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 #include <memory>
 #include <string_view>
 
@@ -149,10 +149,8 @@ String CrashRecords::Begin(const Fields& fields) const
     }
     // Makes room first: where the clock has been set back, the new record is not the youngest by its name.
     RemoveOldest(mostRecords - 1);
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
     PlainWriter writer;
-    writer.Time(now.tv_sec, true).Text("-").Number(static_cast<std::uint64_t>(::getpid())).Text(fileNameEnd);
+    writer.CompactTime().Text("-").Number(static_cast<std::uint64_t>(::getpid())).Text(fileNameEnd);
     String name = writer.GetLine();
     const UniqueFd file(
         ::open(GetPath(name).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
@@ -161,7 +159,7 @@ String CrashRecords::Begin(const Fields& fields) const
         ThrowSystemError(fmt::format("Cannot make '{}'", GetPath(name)));
     }
     writer.Clear();
-    writer.Time(now.tv_sec, false);
+    writer.Time(std::time(nullptr));
     Fields all = fields;
     all.insert(all.begin() + (all.empty() ? 0 : 1), {"time", writer.GetLine()});
     WriteFields(file.Get(), all);

@@ -106,7 +106,7 @@ void LogRing::Write(PlainWriter& writer, const char* indent) const noexcept
         }
         if (left <= mostLines)
         {
-            writer.Text(indent).Time(header.time.GetMicroseconds() / microsecondsInSecond, false);
+            writer.Text(indent).Time(header.time.GetMicroseconds() / microsecondsInSecond);
             writer.Text(" ").Text(levels[level]).Text(" ").Text(header.category->c_str()).Text(": ");
             writer.Text(memory.data() + position + sizeof(Header), header.textSize).EndLine();
         }

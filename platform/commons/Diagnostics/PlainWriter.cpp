@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <ctime>
 
 namespace Vela::System::Commons::Diagnostics
 {
@@ -65,21 +66,33 @@ PlainWriter& PlainWriter::Address(std::uintptr_t address) noexcept
     return *this;
 }
 
-PlainWriter& PlainWriter::Time(std::int64_t secondsSinceEpoch, bool isCompact) noexcept
+PlainWriter& PlainWriter::Time(std::int64_t secondsSinceEpoch) noexcept
+{
+    return Clock(secondsSinceEpoch, "-", ":").Text("Z");
+}
+
+PlainWriter& PlainWriter::CompactTime() noexcept
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    constexpr long nanosecondsInMicrosecond = 1000;
+    const auto microseconds = static_cast<std::uint64_t>(now.tv_nsec / nanosecondsInMicrosecond);
+    return Clock(now.tv_sec, "", "").Text(".").Number(microseconds, 6).Text("Z");
+}
+
+PlainWriter& PlainWriter::Clock(std::int64_t secondsSinceEpoch, const char* dash, const char* colon) noexcept
 {
     using namespace std::chrono;
     const sys_time<duration<std::int64_t>> time{duration<std::int64_t>(secondsSinceEpoch)};
     const auto day = floor<days>(time);
     const year_month_day date{day};
     const hh_mm_ss clock{time - day};
-    const char* dash = isCompact ? "" : "-";
-    const char* colon = isCompact ? "" : ":";
     Number(static_cast<std::uint64_t>(static_cast<int>(date.year())), 4).Text(dash);
     Number(static_cast<unsigned>(date.month()), 2).Text(dash);
     Number(static_cast<unsigned>(date.day()), 2).Text("T");
     Number(static_cast<std::uint64_t>(clock.hours().count()), 2).Text(colon);
     Number(static_cast<std::uint64_t>(clock.minutes().count()), 2).Text(colon);
-    return Number(static_cast<std::uint64_t>(clock.seconds().count()), 2).Text("Z");
+    return Number(static_cast<std::uint64_t>(clock.seconds().count()), 2);
 }
 
 void PlainWriter::EndLine() noexcept

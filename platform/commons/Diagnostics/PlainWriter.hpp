@@ -20,8 +20,10 @@ public:
     PlainWriter& Text(const char* text, std::size_t length) noexcept;
     PlainWriter& Number(std::uint64_t number, unsigned minimumDigits = 1) noexcept;
     PlainWriter& Address(std::uintptr_t address) noexcept;
-    /// Seconds since 1970 as UTC: 2024-08-01T12:34:56Z, or 20240801T123456Z.
-    PlainWriter& Time(std::int64_t secondsSinceEpoch, bool isCompact) noexcept;
+    /// Seconds since 1970 as UTC: 2024-08-01T12:34:56Z.
+    PlainWriter& Time(std::int64_t secondsSinceEpoch) noexcept;
+    /// The current time for a name: 20240801T123456.123456Z.
+    PlainWriter& CompactTime() noexcept;
     /// Ends the line and writes it.
     void EndLine() noexcept;
 
@@ -33,6 +35,8 @@ public:
     }
 
 private:
+    PlainWriter& Clock(std::int64_t secondsSinceEpoch, const char* dash, const char* colon) noexcept;
+
     void Append(char character) noexcept;
 
     static constexpr std::size_t mostTargets = 2;

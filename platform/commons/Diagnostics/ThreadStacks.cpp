@@ -220,11 +220,18 @@ std::vector<ThreadStack> ThreadStacks::Collect()
     std::vector<ThreadStack> stacks;
     for (const pid_t thread : ListThreads())
     {
+        const auto limit = std::min<Clock::duration>(timeForOne, end - Clock::now());
+        const bool isSeen = limit > Clock::duration::zero() && LookAt(thread, limit);
+        String name = ReadName(thread);
+        if (!isSeen && name.empty())
+        {
+            // It has ended meanwhile.
+            continue;
+        }
         ThreadStack& stack = stacks.emplace_back();
         stack.id = thread;
-        stack.name = ReadName(thread);
-        const auto limit = std::min<Clock::duration>(timeForOne, end - Clock::now());
-        if (limit <= Clock::duration::zero() || !LookAt(thread, limit))
+        stack.name = std::move(name);
+        if (!isSeen)
         {
             continue;
         }
@@ -246,8 +253,7 @@ std::size_t ThreadStacks::Log()
     const auto stacks = Collect();
     for (const ThreadStack& stack : stacks)
     {
-        String text = stack.name.empty() ? fmt::format("Thread {}", stack.id)
-                                         : fmt::format("Thread '{}' ({})", stack.name, stack.id);
+        String text = fmt::format("Thread '{}' ({})", stack.name, stack.id);
         text += stack.activity.empty() ? "" : ", " + stack.activity;
         text += stack.frames.empty() ? " does not answer." : ":";
         for (const String& frame : stack.frames)
