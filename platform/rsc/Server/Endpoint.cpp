@@ -125,11 +125,18 @@ void Endpoint::Accept(int listener, Transport transport)
     {
         if (errno == EMFILE || errno == ENFILE || errno == ENOMEM || errno == ENOBUFS)
         {
-            log.Warning("Cannot accept a connection: {0}", Commons::GetErrorText(errno));
+            if (!std::exchange(isExhausted, true))
+            {
+                log.Warning("Cannot accept connections: {0}", Commons::GetErrorText(errno));
+            }
             pollfd wake{board->wakeEvent.Get(), POLLIN, 0};
             ::poll(&wake, 1, exhaustionPause);
         }
         return;
+    }
+    if (std::exchange(isExhausted, false))
+    {
+        log.Info("Connections can be accepted again.");
     }
     try
     {
