@@ -74,9 +74,9 @@ protected:
     {
         system.WriteConfig(R"(<Processes><Process name="MainProcess" args="x"/>
 <Process name="Idle"/>
-<Process name="P" settingsPath="gone.settings" workingDirectory="gone"/>
+<Process name="P" settingsPath="gone.settings" workingDirectory="gone" localTcpPort="65536"/>
 <Process name="P"/>
-<Process name="X" binaryPath="gone"/>
+<Process name="X" binaryPath="gone" args="'x"/>
 <Process name="E" external="true"/></Processes>
 <Libraries>)" + Library("Recording", TestSystem::GetBuiltFile("lib/libRecording.so")) +
                            R"(<Library name="Unused" binaryPath="gone.so"/></Libraries>
@@ -207,8 +207,10 @@ K1210 Default.kiro.config:2
 K1206 Default.kiro.config:14
 K1207 Default.kiro.config:15
 K1213 Default.kiro.config:4
+K1203 Default.kiro.config:4
 K1001 Default.kiro.config:4
 K1212 Default.kiro.config:6
+K1203 Default.kiro.config:6
 K1211 Default.kiro.config:16
 K1214 Default.kiro.config:11
 K1306 Default.kiro.config:13

@@ -3,9 +3,11 @@
 #include "Helper/HelperProcess.hpp"
 
 #include <Settings/SystemDirectory.hpp>
+#include <Sm/ChildCommandLine.hpp>
 #include <Vela/System/Commons/Environment.hpp>
 #include <Vela/System/Commons/Io/File.hpp>
 #include <Vela/System/Commons/Io/FileTrust.hpp>
+#include <Vela/System/Commons/Runtime/Process.hpp>
 #include <Vela/System/Rsc/RscManager.hpp>
 
 #include <sys/stat.h>
@@ -111,6 +113,21 @@ void SystemCheck::CheckProcess(const ProcessData& process)
     {
         FileTrust::Require(TrustedFile::Executable, executable);
     }
+    constexpr int highestPort = 65535;
+    if (process.binaryPath.empty() && process.localTcpPort > highestPort)
+    {
+        record.Add(FindingCode::InvalidValue, position,
+                   fmt::format("Process '{}': {} is no TCP port.", process.name, process.localTcpPort));
+    }
+    Attempt(
+        FindingCode::InvalidValue,
+        [&]
+        {
+            using namespace System::Kiro::Internal::Sm;
+            System::Commons::Runtime::SplitArguments(process.binaryPath.empty() ? BuildChildArguments(process)
+                                                                                : process.args);
+        },
+        position);
     CheckChildSettings(process);
 }
 
