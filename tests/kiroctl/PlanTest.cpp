@@ -155,6 +155,18 @@ TEST_F(PlanTest, TellsTheDifferencesOfTwoPlans)
                        "component Out added \n"
                        "order components moved order\n");
     EXPECT_EQ(Run({"plan", "--diff", "before.config"}).output, "The plans are the same.\n");
+    EXPECT_EQ(Run({"plan", "--diff", "before.config", "--order", "stop"}).exitCode, 2);
+
+    // What is broken differs from everything, which says nothing.
+    system.directory.Write("broken.config", "<KiroConfigurationDocument>");
+    for (const std::string file : {"gone.config", "broken.config"})
+    {
+        const Result result = Run({"plan", "--diff", file});
+        EXPECT_EQ(result.exitCode, 6);
+        EXPECT_EQ(result.output, "kiroctl: The plans cannot be compared, there are errors in '" +
+                                     (system.directory / file) + "' ('kiroctl check' tells them).\n");
+    }
+    EXPECT_EQ(Run({"plan", "gone.settings", "--diff", "before.config", "--json"}).exitCode, 6);
 }
 
 TEST_F(PlanTest, TheExampleIsSoundAndStartsInItsOrder)

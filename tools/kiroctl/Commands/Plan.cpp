@@ -2,6 +2,8 @@
 #include "../Plan/PlanArguments.hpp"
 #include "../Plan/PlanText.hpp"
 
+#include <set>
+
 namespace Vela::Kiroctl
 {
 
@@ -23,12 +25,16 @@ public:
     ExitCode Run(Session& session) override
     {
         Output& output = session.GetOutput();
+        const bool isStopOrder = order == "stop";
+        if (isStopOrder && !otherConfiguration.empty())
+        {
+            throw CommandError(ExitCode::Usage, "--diff compares whole plans: it takes no --order.");
+        }
         Json plan = arguments.Build();
         if (!otherConfiguration.empty())
         {
             return RunDiff(output, plan);
         }
-        const bool isStopOrder = order == "stop";
         const bool hasErrors = plan.at("errors") != 0;
         if (output.IsJson())
         {
@@ -56,7 +62,9 @@ private:
     {
         PlanArguments others = arguments;
         others.documents.configuration = otherConfiguration;
-        const Json differences = ComparePlans(plan, others.Build());
+        const Json other = others.Build();
+        RequireSound(plan, other);
+        const Json differences = ComparePlans(plan, other);
         if (output.IsJson())
         {
             output.WriteJson(differences);
@@ -66,6 +74,25 @@ private:
             WriteDifferences(output, differences);
         }
         return differences.empty() ? ExitCode::Success : ExitCode::Negative;
+    }
+
+    /// What a broken document does not say would pass for a difference.
+    static void RequireSound(const Json& plan, const Json& other)
+    {
+        std::set<std::string> files;
+        for (const Json* each : {&plan, &other})
+        {
+            for (const Json& file : each->at("faultyFiles"))
+            {
+                files.insert(file.get<std::string>());
+            }
+        }
+        if (!files.empty())
+        {
+            throw CommandError(ExitCode::Failed,
+                               "The plans cannot be compared, there are errors in '{}' ('kiroctl check' tells them).",
+                               fmt::join(files, "' and '"));
+        }
     }
 
     PlanArguments arguments;

@@ -33,13 +33,24 @@ String GetOrigin(const XmlPosition& position)
     return position.GetFile().empty() ? String() : fmt::format("{}:{}", position.GetFile(), position.GetLine());
 }
 
-std::size_t CountErrors(const LoadRecord& record)
+std::vector<LoadRecord::Finding> FindErrors(const LoadRecord& record)
 {
     using namespace System::Commons::Diagnostics;
-    const auto findings = record.GetFindings();
-    return static_cast<std::size_t>(std::count_if(
-        findings.begin(), findings.end(),
-        [](const Finding& finding) { return Describe(finding.code).severity == FindingSeverity::Error; }));
+    auto findings = record.GetFindings();
+    std::erase_if(findings,
+                  [](const Finding& finding) { return Describe(finding.code).severity != FindingSeverity::Error; });
+    return findings;
+}
+
+/// The files that errors stand in; what stands nowhere comes from the settings.
+std::set<String> ListFaultyFiles(const std::vector<LoadRecord::Finding>& errors, const String& settings)
+{
+    std::set<String> files;
+    for (const auto& error : errors)
+    {
+        files.insert(error.position.GetFile().empty() ? settings : error.position.GetFile());
+    }
+    return files;
 }
 
 } // namespace
@@ -54,10 +65,12 @@ PlanBuilder::PlanBuilder(const OfflineSystem& offlineSystem, const LoadRecord& l
 Json PlanBuilder::Build()
 {
     Order();
+    const auto errors = FindErrors(record);
     return {{"settings", system.documents.settings},
             {"configuration", system.documents.configuration},
             {"singleProcess", system.IsSingleProcess()},
-            {"errors", CountErrors(record)},
+            {"errors", errors.size()},
+            {"faultyFiles", ListFaultyFiles(errors, system.documents.settings)},
             {"processes", BuildProcesses()},
             {"components", BuildComponents()},
             {"variables", BuildVariables()},

@@ -12,7 +12,7 @@ namespace Vela::Kiroctl
 
 /// What would happen if a system were started with its documents, as facts:
 ///
-///     settings, configuration, singleProcess, errors
+///     settings, configuration, singleProcess, errors, faultyFiles
 ///     processes:   name, kind, command, workingDirectory, settings, libraries (name, path), origin
 ///     components:  name, type, library, process, startOrder, orderFrom, enabled, required, controller, settings,
 ///                  copyOf, origin, problem; in start order
