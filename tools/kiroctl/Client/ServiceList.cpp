@@ -24,7 +24,7 @@ using System::Rsc::UsedService;
 /// Names of services are what component code says they are; they go into documents that must be read again.
 std::string Clean(const String& text)
 {
-    return Json::parse(Json(MakePlainText(text)).dump(-1, ' ', false, Json::error_handler_t::replace));
+    return RepairText(MakePlainText(text));
 }
 
 class ServiceTable

@@ -185,7 +185,7 @@ std::string WriteDot(const Json& plan)
                                 Quote("library " + component.at("library").get<std::string>()));
         }
     }
-    return text + WriteServices(services) + "}\n";
+    return RepairText(text + WriteServices(services) + "}\n");
 }
 
 } // namespace Vela::Kiroctl

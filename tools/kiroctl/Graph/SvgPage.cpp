@@ -1,5 +1,7 @@
 #include "SvgPage.hpp"
 
+#include "../Output/Json.hpp"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -142,13 +144,14 @@ void SvgPage::AddLine(double fromX, double fromY, double toX, double toY, const 
 
 std::string SvgPage::Finish(double width, double height, std::string_view title) const
 {
-    return fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
+    // Names are bytes, which a command line may choose freely; a document must be readable.
+    return RepairText(fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
 <svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" viewBox="0 0 {0:.0f} {1:.0f}" font-family="DejaVu Sans Mono, Liberation Mono, monospace">
 <title>{2}</title>
 <rect width="{0:.0f}" height="{1:.0f}" fill="#ffffff"/>
 {3}</svg>
 )",
-                       width, height, Escape(title), body);
+                                  width, height, Escape(title), body));
 }
 
 } // namespace Vela::Kiroctl

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <string>
+
 // Compiled once, in Json.cpp.
 extern template class nlohmann::basic_json<nlohmann::ordered_map>;
 
@@ -10,6 +12,9 @@ namespace Vela::Kiroctl
 
 /// Answers keep the order in which they were put together: what matters most comes first.
 using Json = nlohmann::ordered_json;
+
+/// The text with the replacement character in place of what is no UTF-8.
+std::string RepairText(const std::string& text);
 
 /// Whether a value is a text that says something.
 inline bool HasText(const Json& value)
