@@ -115,6 +115,13 @@ TEST_F(RunningSystemTest, AHealthySystemAnswersAllCommands)
     EXPECT_EQ(GetNames(AskJson({"components"})), "Tank1 Tank2 Panel ");
     EXPECT_EQ(GetNames(AskJson({"components", "--process", "Right"})), "Tank2 ");
     EXPECT_EQ(GetNames(AskJson({"components", "--state", "configured-up"})), "Panel ");
+    EXPECT_EQ(GetNames(AskJson({"components", "--state", "failed"})), "");
+    EXPECT_EQ(Ask({"components", "--process", "Rigth", "--json"}).text,
+              "kiroctl: There is no process 'Rigth'. Did you mean 'Right'?\n");
+    for (const char* filter : {"--process", "--type", "--state"})
+    {
+        EXPECT_EQ(Ask({"components", filter, "Nobody"}).code, 4) << filter;
+    }
 
     const json explained = AskJson({"explain", "Tank1"});
     EXPECT_EQ(explained["state"], "running");
@@ -179,7 +186,8 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
         {"users",
          {{{"process", "MainProcess"}, {"component", "Panel"}}, {{"process", "Right"}, {"component", "Tank2"}}}}};
     EXPECT_EQ(AskJson({"services", "--component", "Panel"}), json::array({expected}));
-    EXPECT_EQ(AskJson({"services", "--component", "Nobody"}), json::array());
+    EXPECT_EQ(Ask({"services", "--component", "Pannel"}).text,
+              "kiroctl: There is no component 'Pannel'. Did you mean 'Panel'?\n");
     const json all = AskJson({"services"});
     EXPECT_EQ(std::count(all.begin(), all.end(), expected), 1);
     const auto diagnostics = std::count_if(

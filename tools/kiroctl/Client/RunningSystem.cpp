@@ -2,6 +2,7 @@
 
 #include "../CommandError.hpp"
 
+#include <Config/Components.hpp>
 #include <Vela/System/Commons/Diagnostics/CrashRecords.hpp>
 #include <Vela/System/Kiro/Services/Internal/DiagnosticsServiceProxy.hpp>
 #include <Vela/System/Kiro/Services/Internal/SystemDiagnosticsServiceProxy.hpp>
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <limits>
 #include <numeric>
 
 namespace Vela::Kiroctl
@@ -22,6 +24,7 @@ namespace Vela::Kiroctl
 namespace
 {
 
+using System::Kiro::Internal::Sm::Config::Components;
 using System::Rsc::RscManager;
 
 bool IsAlive(pid_t process)
@@ -84,6 +87,14 @@ std::size_t CountChanges(std::string_view left, std::string_view right)
     return row.back();
 }
 
+constexpr std::size_t isFar = std::numeric_limits<std::size_t>::max();
+
+std::size_t GetDistance(std::string_view name, std::string_view candidate)
+{
+    const std::size_t changes = CountChanges(name, candidate);
+    return changes <= std::max<std::size_t>(2, std::max(name.size(), candidate.size()) / 2) ? changes : isFar;
+}
+
 } // namespace
 
 RunningSystem::RunningSystem(Session& session)
@@ -127,9 +138,25 @@ std::vector<String> RunningSystem::SelectProcesses(const String& name) const
     }
     if (selected.empty())
     {
-        throw CommandError(ExitCode::NotFound, "There is no process '{}'.{}", name, SuggestNames(name, known));
+        ThrowUnknown("process", name, known);
     }
     return selected;
+}
+
+std::vector<String> RunningSystem::ListComponents(const std::vector<Services::ComponentStatus>& components)
+{
+    std::vector<String> names;
+    names.reserve(components.size());
+    for (const auto& component : components)
+    {
+        names.push_back(component.name);
+    }
+    return names;
+}
+
+void ThrowUnknown(const char* kind, const std::string& name, std::span<const String> known)
+{
+    throw CommandError(ExitCode::NotFound, "There is no {} '{}'.{}", kind, name, SuggestNames(name, known));
 }
 
 std::vector<std::string> FindNearest(const std::string& name, std::span<const String> known)
@@ -137,8 +164,10 @@ std::vector<std::string> FindNearest(const std::string& name, std::span<const St
     std::vector<std::pair<std::size_t, std::string>> distances;
     for (const String& candidate : known)
     {
-        const std::size_t changes = CountChanges(name, candidate);
-        if (changes <= std::max<std::size_t>(2, std::max(name.size(), candidate.size()) / 2))
+        // The copies of a generic component, "Name@Process", are also meant by its name in the configuration.
+        const std::string generic = candidate.substr(0, candidate.rfind(Components::processSeparator));
+        const std::size_t changes = std::min(GetDistance(name, candidate), GetDistance(name, generic));
+        if (changes != isFar)
         {
             distances.emplace_back(changes, candidate);
         }
@@ -147,7 +176,7 @@ std::vector<std::string> FindNearest(const std::string& name, std::span<const St
     std::vector<std::string> nearest;
     for (const auto& [changes, candidate] : distances)
     {
-        if (nearest.size() < 3)
+        if (nearest.size() < 3 || changes == 0)
         {
             nearest.push_back(candidate);
         }

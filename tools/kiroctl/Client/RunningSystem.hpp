@@ -32,11 +32,16 @@ public:
     /// The names of the processes that answer: the one that is given, or all without a name.
     /// @throws CommandError (NotFound) with the nearest names
     [[nodiscard]] std::vector<String> SelectProcesses(const String& name) const;
+    /// Their names.
+    [[nodiscard]] static std::vector<String> ListComponents(const std::vector<Services::ComponentStatus>& components);
 };
 
+/// @throws CommandError (NotFound) with the nearest names
+[[noreturn]] void ThrowUnknown(const char* kind, const std::string& name, std::span<const String> known);
 /// For the names that somebody may have meant: " Did you mean 'A' or 'B'?", nearest first; empty when none is near.
 std::string SuggestNames(const std::string& name, std::span<const String> known);
-/// At most three of the known names, nearest first by the number of letters to change.
+/// At most three of the known names, nearest first by the number of letters to change; besides all copies of the
+/// generic component of that name.
 std::vector<std::string> FindNearest(const std::string& name, std::span<const String> known);
 
 } // namespace Vela::Kiroctl

@@ -1,3 +1,4 @@
+#include "../Client/ComponentStates.hpp"
 #include "../Client/Format.hpp"
 #include "../Client/RunningSystem.hpp"
 #include "../Command.hpp"
@@ -58,17 +59,12 @@ public:
 private:
     ExitCode ReportUnknown(Output& output, const std::vector<Services::ComponentStatus>& components) const
     {
-        std::vector<String> known;
-        known.reserve(components.size());
-        for (const auto& component : components)
-        {
-            known.push_back(component.name);
-        }
+        const std::vector<String> known = RunningSystem::ListComponents(components);
         if (output.IsJson())
         {
             output.WriteJson(Json{{"name", name}, {"nearest", FindNearest(name, known)}});
         }
-        throw CommandError(ExitCode::NotFound, "There is no component '{}'.{}", name, SuggestNames(name, known));
+        ThrowUnknown("component", name, known);
     }
 
     /// What runs now and is not the component's own: the walk takes one component after the other.
@@ -102,27 +98,11 @@ private:
                                             : "kiroctl components --process " + component.process;
     }
 
-    static const char* GetMeaning(const Services::ComponentStatus& component)
+    static std::string_view GetMeaning(const Services::ComponentStatus& component)
     {
-        static constexpr std::pair<std::string_view, const char*> meanings[] = {
-            {"configured", "It is configured and has not been created yet."},
-            {"external", "Its process is external: this system does not create it."},
-            {"created", "It has been created, and its set-up has not begun."},
-            {"disabled", "It is disabled in the configuration: it is created and nothing else."},
-            {"initialized", "Its set-up is under way."},
-            {"set-up", "Its settings are set up."},
-            {"configured-up", "It is set up and configured."},
-            {"running", "It is set up and started."},
-            {"busy", "One of its steps is running now."},
-            {"failed", "A step has failed."},
-            {"removed", "A step has failed, and the system goes on without the component, which is not required."},
-            {"stopped", "It has been stopped."},
-            {"disposed", "It has been taken down."},
-            {"destroyed", "It has been taken down and is gone."},
-        };
-        const auto found = std::find_if(std::begin(meanings), std::end(meanings),
-                                        [&](const auto& entry) { return entry.first == component.state; });
-        return found == std::end(meanings) ? "" : found->second;
+        const auto* found = std::find_if(componentStates.begin(), componentStates.end(),
+                                         [&](const ComponentState& state) { return state.name == component.state; });
+        return found == componentStates.end() ? "" : found->meaning;
     }
 
     static void Write(Output& output, const Services::SystemStatus& status, const Services::ComponentStatus& component,

@@ -1,6 +1,8 @@
 #include "../Client/ServiceList.hpp"
 #include "../Command.hpp"
 
+#include <algorithm>
+
 namespace Vela::Kiroctl
 {
 
@@ -24,10 +26,15 @@ public:
 
     ExitCode Run(Session& session) override
     {
+        const RunningSystem system(session);
+        if (!component.empty())
+        {
+            RequireComponent(system);
+        }
         Output& output = session.GetOutput();
         Json json = Json::array();
         Table table({{"SERVICE"}, {"PROCESS"}, {"PUBLISHED BY"}, {"USED BY"}});
-        ServiceList list = ListServices(RunningSystem(session));
+        ServiceList list = ListServices(system);
         for (Json& service : list.services)
         {
             std::string users;
@@ -51,6 +58,15 @@ public:
     }
 
 private:
+    void RequireComponent(const RunningSystem& system) const
+    {
+        const auto known = RunningSystem::ListComponents(system.GetDiagnostics()->GetComponents());
+        if (std::find(known.begin(), known.end(), component) == known.end())
+        {
+            ThrowUnknown("component", component, known);
+        }
+    }
+
     std::string component;
 };
 
