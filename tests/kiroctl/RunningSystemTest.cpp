@@ -219,7 +219,11 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
     const auto right = static_cast<pid_t>(FindNamed(AskJson({"processes"}), "Right")["pid"]);
     ASSERT_EQ(kill(right, SIGSTOP), 0);
     const Answer partial = Ask({"services"});
+    const Answer log = Ask({"log"});
     ASSERT_EQ(kill(right, SIGCONT), 0);
+    EXPECT_EQ(log.code, 3);
+    EXPECT_NE(log.text.find("Tank1 takes step Start"), std::string::npos) << log.text;
+    EXPECT_NE(log.text.find("The messages of process 'Right' are missing: it does not answer."), std::string::npos);
     EXPECT_EQ(partial.code, 3);
     EXPECT_TRUE(std::regex_search(partial.text, std::regex(name + " +Left +Tank1 +Panel"))) << partial.text;
     EXPECT_NE(partial.text.find("The services of process 'Right' are missing: it does not answer."), std::string::npos);
@@ -416,6 +420,25 @@ TEST_F(RunningSystemTest, AChildIsShownBeforeItAnswersAndItsEndAfterwards)
                                         "'. 'kiroctl crashes last' shows the last failure.\n");
     EXPECT_NE(Ask({"crashes"}).text.find("  failed set-up  Deaf[" + deaf["pid"].dump() + "]: signal 9 (Killed)\n"),
               std::string::npos);
+}
+
+TEST_F(RunningSystemTest, TheLogIsFollowedBeyondTheDeathOfAProcess)
+{
+    Configure({"Left", "Right"}, {{"Tank1", "Left"}, {"Tank2", "Right"}, {"Generic", "*", "Recorder"}});
+    // Whatever bytes a name has, pictures can be read.
+    StartedProcess main = system.Start({"--name=M\xFF"});
+    main.AwaitLine("was setup successfully");
+    CheckDrawnPage(system.directory, Ask({"timeline", "plot"}).text);
+    CheckDrawnPage(system.directory, Ask({"graph", "--running"}).text);
+    EXPECT_NE(Ask({"explain", "Generic"}).text.find("Did you mean 'Generic@Left' or 'Generic@Right'?"),
+              std::string::npos);
+
+    StartedProcess follow(TestSystem::GetBuiltFile("bin/kiroctl"), {"log", "--follow"}, system.environment);
+    follow.AwaitLine("was setup successfully");
+    ASSERT_EQ(kill(FindNamed(AskJson({"processes"}), "Left")["pid"].get<pid_t>(), SIGKILL), 0);
+    follow.AwaitLine("Process 'Left' has exited unexpectedly");
+    EXPECT_EQ(follow.AwaitEnd(), 0) << follow.GetOutput();
+    EXPECT_EQ(main.AwaitEnd(), -SIGABRT);
 }
 
 TEST_F(RunningSystemTest, ADeadSystemIsUnreachable)

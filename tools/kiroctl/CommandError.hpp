@@ -5,7 +5,13 @@
 #include <fmt/format.h>
 
 #include <stdexcept>
+#include <string_view>
 #include <utility>
+
+namespace Vela
+{
+class Exception;
+}
 
 namespace Vela::Kiroctl
 {
@@ -29,5 +35,11 @@ public:
 private:
     ExitCode code;
 };
+
+/// The code that fits an exception of the platform best.
+ExitCode GetExitCode(const Exception& exception);
+
+/// One line on standard error, whatever the text holds.
+void TellFailure(std::string_view text);
 
 } // namespace Vela::Kiroctl

@@ -5,12 +5,10 @@
 #include "Session.hpp"
 
 #include <Vela/Exceptions.hpp>
-#include <Vela/System/Commons/PlainText.hpp>
 #include <Vela/VelaVersion.hpp>
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,11 +19,9 @@ namespace Vela::Kiroctl
 namespace
 {
 
-/// One line whatever the text holds.
 ExitCode Report(ExitCode code, std::string_view text)
 {
-    const std::string line = "kiroctl: " + System::Commons::MakePlainText(text) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    TellFailure(text);
     return code;
 }
 
@@ -50,22 +46,6 @@ void Complete(CLI::App& command)
     {
         subcommand->group("Subcommands");
         Complete(*subcommand);
-    }
-}
-
-/// The failures of calls have one exception class; what it says first tells a refusal from silence.
-ExitCode GetCode(const Exception& exception)
-{
-    switch (exception.GetKind())
-    {
-    case ExceptionKind::Rsc:
-        return exception.GetMessage().find("not allowed to") == String::npos ? ExitCode::Unreachable
-                                                                             : ExitCode::Refused;
-    case ExceptionKind::NotExist:
-    case ExceptionKind::KeyNotFound:
-        return ExitCode::NotFound;
-    default:
-        return ExitCode::Failed;
     }
 }
 
@@ -137,7 +117,7 @@ ExitCode CommandLine::Run(int argc, const char* const* argv)
     }
     catch (const Exception& exception)
     {
-        return Report(GetCode(exception), exception.what());
+        return Report(GetExitCode(exception), exception.what());
     }
     catch (const std::exception& exception)
     {

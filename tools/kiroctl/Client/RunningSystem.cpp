@@ -32,12 +32,6 @@ bool IsAlive(pid_t process)
     return process != 0 && (::kill(process, 0) == 0 || errno == EPERM);
 }
 
-/// A system that has only just been started gets its time to answer.
-std::chrono::milliseconds GetPatience()
-{
-    return std::chrono::milliseconds(IsAlive(RscManager::FindMainProcess()) ? 3000 : 500);
-}
-
 /// Why no main process answers, and what to type next.
 std::string DescribeSilence()
 {
@@ -56,7 +50,7 @@ std::string DescribeSilence()
 template <typename Factory>
 auto Find(Factory& factory, const System::Rsc::ServiceProvider& provider)
 {
-    auto service = System::Rsc::ServiceManager::TryGetService(factory, provider, GetPatience());
+    auto service = System::Rsc::ServiceManager::TryGetService(factory, provider, RunningSystem::GetPatience());
     if (!service)
     {
         const bool isMain = provider.GetKind() == System::Rsc::ServiceProvider::Kind::MainProcess;
@@ -117,6 +111,18 @@ std::shared_ptr<Services::IDiagnosticsService> RunningSystem::GetProcess(const S
 {
     return Find(Services::DiagnosticsServiceProxyFactory::GetInstance(),
                 System::Rsc::ServiceProvider::Process(process));
+}
+
+std::shared_ptr<Services::IDiagnosticsService> RunningSystem::TryGetProcess(const String& process,
+                                                                            std::chrono::milliseconds patience) const
+{
+    return System::Rsc::ServiceManager::TryGetService(Services::DiagnosticsServiceProxyFactory::GetInstance(),
+                                                      System::Rsc::ServiceProvider::Process(process), patience);
+}
+
+std::chrono::milliseconds RunningSystem::GetPatience()
+{
+    return std::chrono::milliseconds(IsAlive(RscManager::FindMainProcess()) ? 3000 : 500);
 }
 
 bool RunningSystem::CanAnswer(const Services::ProcessStatus& process)

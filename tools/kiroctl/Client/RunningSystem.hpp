@@ -6,6 +6,7 @@
 #include <Vela/System/Kiro/Services/Internal/ISystemDiagnosticsService.hpp>
 #include <Vela/System/Kiro/Services/Internal/ISystemManagerService.hpp>
 
+#include <chrono>
 #include <memory>
 #include <span>
 #include <vector>
@@ -26,6 +27,12 @@ public:
     [[nodiscard]] std::shared_ptr<Services::ISystemDiagnosticsService> GetDiagnostics() const;
     [[nodiscard]] std::shared_ptr<Services::ISystemManagerService> GetManager() const;
     [[nodiscard]] std::shared_ptr<Services::IDiagnosticsService> GetProcess(const String& process) const;
+    /// Nothing when the process does not answer in time.
+    [[nodiscard]] std::shared_ptr<Services::IDiagnosticsService>
+    TryGetProcess(const String& process, std::chrono::milliseconds patience) const;
+
+    /// How long a process may take to answer: a system that has only just been started gets its time.
+    [[nodiscard]] static std::chrono::milliseconds GetPatience();
 
     /// Whether the process is one of those that answer questions about themselves.
     [[nodiscard]] static bool CanAnswer(const Services::ProcessStatus& process);

@@ -1,8 +1,7 @@
 #include "ServiceList.hpp"
 
-#include "../CommandError.hpp"
+#include "ProcessAnswers.hpp"
 
-#include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/PlainText.hpp>
 
 #include <algorithm>
@@ -97,51 +96,29 @@ private:
 
 void ServiceList::CheckComplete() const
 {
-    if (!silentProcesses.empty())
-    {
-        throw CommandError(ExitCode::Unreachable, "The services of process '{}' are missing: it does not answer.",
-                           fmt::join(silentProcesses, "', '"));
-    }
+    RequireAnswers("services", silentProcesses);
 }
 
 ServiceList ListServices(const RunningSystem& system)
 {
-    const auto diagnostics = system.GetDiagnostics();
-    std::set<String> components;
-    for (const auto& component : diagnostics->GetComponents())
-    {
-        components.insert(component.name);
-    }
-    ServiceTable table(std::move(components));
+    const auto names = RunningSystem::ListComponents(system.GetDiagnostics()->GetComponents());
+    std::set<String> components(names.begin(), names.end());
+    std::map<String, Services::ProcessServices> answers;
     ServiceList list;
-    std::vector<std::pair<String, std::vector<UsedService>>> users;
-    for (const auto& process : diagnostics->GetProcesses())
+    list.silentProcesses = AskProcesses(system, system.SelectProcesses(""),
+                                        [&answers](const String& process, const auto& service)
+                                        { answers[process] = service->GetServices(); });
+    ServiceTable table(std::move(components));
+    for (const auto& [process, services] : answers)
     {
-        if (!RunningSystem::CanAnswer(process))
+        for (const PublishedService& service : services.published)
         {
-            continue;
-        }
-        try
-        {
-            auto services = system.GetProcess(process.name)->GetServices();
-            for (const PublishedService& service : services.published)
-            {
-                table.AddPublished(process.name, service);
-            }
-            users.emplace_back(process.name, std::move(services.used));
-        }
-        catch (const CommandError&)
-        {
-            list.silentProcesses.push_back(process.name);
-        }
-        catch (const RscException&)
-        {
-            list.silentProcesses.push_back(process.name);
+            table.AddPublished(process, service);
         }
     }
-    for (const auto& [process, uses] : users)
+    for (const auto& [process, services] : answers)
     {
-        for (const UsedService& use : uses)
+        for (const UsedService& use : services.used)
         {
             table.AddUse(process, use);
         }

@@ -1,9 +1,8 @@
 #include "../Client/Format.hpp"
 #include "../Client/LogLevels.hpp"
-#include "../Client/RunningSystem.hpp"
+#include "../Client/ProcessAnswers.hpp"
 #include "../Command.hpp"
 
-#include <Vela/Exceptions.hpp>
 #include <Vela/System/Commons/PlainText.hpp>
 
 #include <algorithm>
@@ -30,7 +29,7 @@ struct Source
 
 struct Line
 {
-    const String* process;
+    String process;
     Services::LogLine line;
 };
 
@@ -52,12 +51,17 @@ public:
         maximumLevel = level.empty() ? LogLevel::Trace : ParseLogLevel(level);
         const RunningSystem system(session);
         std::vector<Source> sources;
-        for (const String& name : system.SelectProcesses(process))
-        {
-            sources.push_back({name, system.GetProcess(name)});
-        }
+        std::vector<Line> lines;
+        const auto diagnostics = system.GetDiagnostics();
+        const auto silentProcesses = AskProcesses(system, system.SelectProcesses(process),
+                                                  [&](const String& name, const auto& service)
+                                                  {
+                                                      Source source{name, service};
+                                                      Read(source, lines);
+                                                      sources.push_back(std::move(source));
+                                                  });
         Output& output = session.GetOutput();
-        auto lines = Read(sources);
+        SortByTime(lines);
         if (lines.size() > static_cast<std::size_t>(count))
         {
             lines.erase(lines.begin(), lines.end() - count);
@@ -70,48 +74,83 @@ public:
                 json.push_back(ToJson(line));
             }
             output.WriteJson(json);
-            return ExitCode::Success;
         }
-        Write(output, lines);
-        while (isFollowing)
+        else
         {
-            std::this_thread::sleep_for(pause);
-            try
-            {
-                Write(output, Read(sources));
-            }
-            catch (const Exception&)
-            {
-                // The end of what is followed is no failure.
-                break;
-            }
+            Write(output, lines);
+        }
+        if (isFollowing)
+        {
+            TellSilence(silentProcesses);
+            Follow(output, *diagnostics, std::move(sources));
+        }
+        else
+        {
+            RequireAnswers("messages", silentProcesses);
         }
         return ExitCode::Success;
     }
 
 private:
-    /// What has come since the last time, of all processes by time.
-    [[nodiscard]] std::vector<Line> Read(std::vector<Source>& sources) const
+    /// Goes on as long as the main process answers, which outlives the others, and longest when one of them dies.
+    void Follow(Output& output, Services::ISystemDiagnosticsService& diagnostics, std::vector<Source> sources) const
     {
-        std::vector<Line> lines;
-        for (Source& source : sources)
+        for (bool isThere = true; isThere;)
         {
-            auto page = source.service->GetLogLines(source.last, pageSize);
-            for (; !page.lines.empty(); page = source.service->GetLogLines(source.last, pageSize))
+            std::this_thread::sleep_for(pause);
+            std::vector<Line> lines;
+            std::vector<String> silentProcesses;
+            std::erase_if(sources,
+                          [&](Source& source)
+                          {
+                              const bool isSilent = !TryAsk([&] { Read(source, lines); });
+                              if (isSilent)
+                              {
+                                  silentProcesses.push_back(source.process);
+                              }
+                              return isSilent;
+                          });
+            SortByTime(lines);
+            Write(output, lines);
+            String state;
+            isThere = TryAsk([&] { state = diagnostics.GetStatus().state; });
+            // The end of what is followed is no failure.
+            if (isThere && state != "stopping" && state != "failed")
             {
-                source.last = page.lines.back().number;
-                for (auto& line : page.lines)
+                TellSilence(silentProcesses);
+            }
+        }
+    }
+
+    static void TellSilence(const std::vector<String>& processes)
+    {
+        for (const String& process : processes)
+        {
+            TellFailure(fmt::format("Process '{}' does not answer, its further messages are missing.", process));
+        }
+    }
+
+    /// Adds what has come since the last time.
+    void Read(Source& source, std::vector<Line>& lines) const
+    {
+        auto page = source.service->GetLogLines(source.last, pageSize);
+        for (; !page.lines.empty(); page = source.service->GetLogLines(source.last, pageSize))
+        {
+            source.last = page.lines.back().number;
+            for (auto& line : page.lines)
+            {
+                if (Fits(line))
                 {
-                    if (Fits(line))
-                    {
-                        lines.push_back({&source.process, std::move(line)});
-                    }
+                    lines.push_back({source.process, std::move(line)});
                 }
             }
         }
+    }
+
+    static void SortByTime(std::vector<Line>& lines)
+    {
         std::stable_sort(lines.begin(), lines.end(),
                          [](const Line& left, const Line& right) { return left.line.time < right.line.time; });
-        return lines;
     }
 
     [[nodiscard]] bool Fits(const Services::LogLine& line) const
@@ -123,8 +162,8 @@ private:
     static Json ToJson(const Line& line)
     {
         return Json{
-            {"time", FormatTime(line.line.time)}, {"process", *line.process}, {"level", GetLevelName(line.line.level)},
-            {"category", line.line.category},     {"text", line.line.text},   {"number", line.line.number}};
+            {"time", FormatTime(line.line.time)}, {"process", line.process}, {"level", GetLevelName(line.line.level)},
+            {"category", line.line.category},     {"text", line.line.text},  {"number", line.line.number}};
     }
 
     static void Write(Output& output, const std::vector<Line>& lines)
@@ -141,7 +180,7 @@ private:
                                 : lineLevel == LogLevel::Warning ? Style::Warning
                                                                  : Style::Plain;
             output.WriteLine(fmt::format("{} {} {} {}: {}", output.Paint(FormatTime(line.line.time), Style::Faint),
-                                         *line.process,
+                                         line.process,
                                          output.Paint(fmt::format("{:<7}", GetLevelName(lineLevel)), style),
                                          line.line.category, System::Commons::MakePlainText(line.line.text)));
         }
