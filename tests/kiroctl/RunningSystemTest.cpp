@@ -140,6 +140,13 @@ TEST_F(RunningSystemTest, AHealthySystemAnswersAllCommands)
         EXPECT_EQ(Ask({"env", "get", "PLANT_MODE", "--process", process}).text, "slow\n");
     }
     EXPECT_EQ(FindNamed(AskJson({"env", "list"}), "PLANT_MODE")["value"], "slow");
+    EXPECT_EQ(Ask({"env", "set", std::string(127, 'N'), std::string(512, 'v')}).code, 0);
+    EXPECT_EQ(Ask({"env", "get", std::string(127, 'N'), "--process", "Left"}).text, std::string(512, 'v') + "\n");
+    for (const std::string& name : {std::string(), std::string("A=B"), std::string(128, 'N')})
+    {
+        EXPECT_EQ(Ask({"env", "set", name, "x"}).code, 2) << name;
+    }
+    EXPECT_EQ(Ask({"env", "set", "N", std::string(513, 'v')}).code, 2);
     EXPECT_EQ(Ask({"env", "get", "PLANT_MOOD"}).text,
               "kiroctl: The system has not defined 'PLANT_MOOD'. Did you mean 'PLANT_MODE'?\n");
     EXPECT_EQ(Ask({"env", "list", "--process", "Lft"}).code, 4);

@@ -9,6 +9,10 @@ namespace Vela::Kiroctl
 namespace
 {
 
+using Value = System::Rsc::RscVariant<512>;
+/// Of what fits into ISystemManagerService::Name.
+constexpr std::size_t maxNameSize = 127;
+
 class Env final : public Command
 {
 public:
@@ -27,15 +31,20 @@ public:
             one.AddText("NAME", name, "Name of the variable", {.isRequired = true});
         }
         set.AddText("VALUE", value, "Its value", {.isRequired = true});
+        set.SetFooter("A name has at most 127 bytes, a value at most 512.");
     }
 
     ExitCode Run(Session& session) override
     {
+        if (set.IsNamed())
+        {
+            CheckDefinition();
+        }
         const RunningSystem system(session);
         Output& output = session.GetOutput();
         if (set.IsNamed())
         {
-            system.GetManager()->SetEnvironmentVariable(name, System::Rsc::RscVariant<512>(value));
+            system.GetManager()->SetEnvironmentVariable(name, Value(value));
             if (output.IsJson())
             {
                 output.WriteJson(Json{{"name", name}, {"value", value}});
@@ -49,6 +58,22 @@ public:
     }
 
 private:
+    /// What no process takes is refused here: the system would tell its log alone.
+    void CheckDefinition() const
+    {
+        if (name.empty() || name.find('=') != std::string::npos || name.size() > maxNameSize)
+        {
+            throw CommandError(ExitCode::Usage,
+                               "No variable can have the name '{}': it has 1 to {} bytes, none of them '='.", name,
+                               maxNameSize);
+        }
+        if (value.size() > Value::maxStringSize)
+        {
+            throw CommandError(ExitCode::Usage, "The value of '{}' has {} bytes, {} are allowed.", name, value.size(),
+                               Value::maxStringSize);
+        }
+    }
+
     static ExitCode List(Output& output, const std::vector<Services::EnvironmentValue>& variables)
     {
         Json json = Json::array();
