@@ -315,7 +315,12 @@ TEST_F(RunningSystemTest, TheTimesOfAStartAreDrawnRankedAndHeldToABudget)
     EXPECT_EQ(judge(R"({"total": "fast"})"), 2);
     EXPECT_EQ(judge("{"), 2);
     EXPECT_EQ(Ask({"timeline", "--input", "budget.json"}).code, 2);
-    EXPECT_EQ(Ask({"timeline", "--input", "nowhere.json"}).code, 5);
+    EXPECT_EQ(Ask({"timeline", "--input", "nowhere.json"}).code, 4);
+    EXPECT_EQ(Ask(timeline({"--budget", "nowhere.json"})).code, 4);
+    system.directory.Write("budget.json", R"({"total": 3600000})");
+    EXPECT_EQ(Ask(timeline({"--stop", "--budget", "budget.json"})).code, 6) << "nothing was stopped";
+    EXPECT_EQ(Ask(timeline({"--budget", "budget.json", "plot"})).code, 2);
+    EXPECT_EQ(Ask(timeline({"--failed"})).code, 2);
 }
 
 TEST_F(RunningSystemTest, AStartingSystemTellsWhatItWaitsForAndNotifies)
@@ -336,6 +341,7 @@ TEST_F(RunningSystemTest, AStartingSystemTellsWhatItWaitsForAndNotifies)
     EXPECT_EQ(status["running"][1]["name"], "Tank1");
 
     EXPECT_EQ(AskJson({"explain", "Tank1"})["state"], "busy");
+    EXPECT_EQ(Ask({"power-down"}).code, 5);
     const json waiting = AskJson({"explain", "Tank2"});
     EXPECT_EQ(waiting["state"], "created");
     ASSERT_EQ(waiting["waitsFor"].size(), 1U);

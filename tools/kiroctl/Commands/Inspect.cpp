@@ -3,13 +3,16 @@
 #include "../Library/LibraryProbe.hpp"
 
 #include <Pm/SharedLibraryLoader.hpp>
+#include <Vela/System/Commons/SystemError.hpp>
 #include <Vela/System/Kiro/BinaryContract.hpp>
 
 #include <Contract/Architecture.hpp>
 #include <Contract/DynamicSection.hpp>
 #include <Contract/LibraryNote.hpp>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace Vela::Kiroctl
 {
@@ -65,15 +68,17 @@ void Probe(Report& report)
 
 Report Examine(const String& path)
 {
-    const auto read = Contract::ReadFrom(path);
-    if (!Contract::ReadAt<char>(read, 0))
+    if (::access(path.c_str(), R_OK) != 0)
     {
-        throw CommandError(ExitCode::NotFound, "'{}' cannot be read.", path);
+        const int error = errno;
+        throw CommandError(error == EACCES ? ExitCode::Refused : ExitCode::NotFound, "'{}' cannot be read: {}", path,
+                           System::Commons::GetErrorText(error));
     }
+    const auto read = Contract::ReadFrom(path);
     const auto architecture = Contract::Architecture::Read(read);
     if (!architecture)
     {
-        throw CommandError(ExitCode::Negative, "'{}' is no shared object.", path);
+        throw CommandError(ExitCode::Negative, "'{}' is not a shared object.", path);
     }
     Report report;
     report.path = path;

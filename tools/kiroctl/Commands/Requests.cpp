@@ -60,7 +60,15 @@ public:
         const RunningSystem system(session);
         const auto diagnostics = system.GetDiagnostics();
         const String systemName = diagnostics->GetStatus().name;
-        ((*system.GetManager()).*operation)();
+        const auto manager = system.GetManager();
+        try
+        {
+            ((*manager).*operation)();
+        }
+        catch (const InvalidOperationException& exception)
+        {
+            throw CommandError(ExitCode::Refused, "{}", exception.GetMessage());
+        }
         const bool hasEnded = wait > 0 && AwaitEnd(diagnostics, std::chrono::seconds(wait));
         if (wait > 0 && !hasEnded)
         {

@@ -45,6 +45,7 @@ public:
 
     ExitCode Run(Session& session) override
     {
+        CheckOptions();
         const Timeline whole = Read(session);
         const Timeline timeline = Select(whole, !isStop);
         Output& output = session.GetOutput();
@@ -82,6 +83,18 @@ public:
     }
 
 private:
+    void CheckOptions() const
+    {
+        if (!input.empty() && isFailed)
+        {
+            throw CommandError(ExitCode::Usage, "--input and --failed name a timeline each: only one can be read.");
+        }
+        if (!budget.empty() && (plot.IsNamed() || blame.IsNamed() || chain.IsNamed() || chromeTrace.IsNamed()))
+        {
+            throw CommandError(ExitCode::Usage, "--budget takes no subcommand.");
+        }
+    }
+
     [[nodiscard]] Timeline Read(Session& session) const
     {
         if (!input.empty())
@@ -160,6 +173,11 @@ private:
 
     [[nodiscard]] ExitCode CheckLimits(Output& output, const Timeline& timeline) const
     {
+        if (timeline.steps.empty())
+        {
+            throw CommandError(ExitCode::Failed, "There is nothing to judge: the timeline has no step of the {}.",
+                               isStop ? "way down" : "start");
+        }
         const auto broken = CheckBudget(timeline, ReadJsonFile(budget), budget);
         Json json = Json::array();
         Table table({{"COMPONENT"}, {"PHASE"}, {"LIMIT", Table::Align::Right}, {"TIME", Table::Align::Right}});

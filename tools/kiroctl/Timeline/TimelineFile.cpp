@@ -4,6 +4,7 @@
 #include "../CommandError.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -25,6 +26,16 @@ Json ToDocument(const Timeline& timeline)
 
 Json ReadJsonFile(const std::string& path)
 {
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    if (type == std::filesystem::file_type::not_found)
+    {
+        throw CommandError(ExitCode::NotFound, "File '{}' does not exist.", path);
+    }
+    if (type == std::filesystem::file_type::directory)
+    {
+        throw CommandError(ExitCode::Usage, "'{}' is a directory.", path);
+    }
     std::ifstream file(path);
     if (!file)
     {

@@ -16,7 +16,8 @@ using System::Kiro::Services::Internal::Timeline;
 
 /// The document in which a timeline is kept.
 Json ToDocument(const Timeline& timeline);
-/// @throws CommandError naming the file: Refused when it cannot be read, Usage when it holds no timeline
+/// @throws CommandError naming the file: NotFound without one, Refused when it cannot be read, Usage when it holds no
+/// timeline
 Timeline ReadTimeline(const std::string& path);
 /// The content of a file as JSON.
 /// @throws CommandError as above
