@@ -237,6 +237,21 @@ K1305 Default.kiro.config:6
     EXPECT_EQ(Find({"--no-load"}).find("K1304"), std::string::npos);
 }
 
+TEST_F(CheckTest, SaysWhatStandsWhereAFileShould)
+{
+    system.WriteConfig(R"(<Processes>
+<Process name="P" settingsPath="Default.kiro.settings" workingDirectory="Default.kiro.config"/></Processes>
+<Libraries><Library name="D" binaryPath="/"/><Library name="N" binaryPath="/dev/null"/></Libraries>
+<Components><Component name="d" type="T" library="D" process="P"><Settings path="/dev"/></Component>
+<Component name="n" type="T" library="N" process="P"/></Components>)");
+    const Result result = Run({"check"});
+    for (const char* said : {"Default.kiro.config' is a file.", "Library '/' is a directory.",
+                             "Library '/dev/null' is a device.", "settings file '/dev' is a directory."})
+    {
+        EXPECT_NE(result.output.find(said), std::string::npos) << said << "\n" << result.output;
+    }
+}
+
 TEST_F(CheckTest, TellsWhatOthersCanChange)
 {
     system.WriteSettings("<SecuritySettings path=\"security.xml\"/>");

@@ -1,5 +1,6 @@
 // The part of the system check that looks at component libraries.
 
+#include "Check/FileKind.hpp"
 #include "Library/LibraryProbe.hpp"
 #include "SystemCheck.hpp"
 
@@ -9,6 +10,7 @@
 #include <Contract/Architecture.hpp>
 #include <Contract/DynamicSection.hpp>
 #include <Contract/LibraryNote.hpp>
+#include <unistd.h>
 
 namespace Vela::Kiroctl
 {
@@ -55,7 +57,11 @@ void SystemCheck::CheckLibrary(const Library& library)
     }
     catch (const Exception& exception)
     {
-        record.Add(FindingCode::MissingLibrary, library.position, exception.GetMessage());
+        // The loader looks for files and takes everything else for nothing.
+        const bool isThere = ::access(library.binaryPath.c_str(), F_OK) == 0;
+        record.Add(FindingCode::MissingLibrary, library.position,
+                   isThere ? fmt::format("Library '{}' {}.", library.binaryPath, DescribeFileKind(library.binaryPath))
+                           : exception.GetMessage());
         return;
     }
     FileTrust::Require(TrustedFile::Library, path);

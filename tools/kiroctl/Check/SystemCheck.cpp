@@ -1,5 +1,6 @@
 #include "SystemCheck.hpp"
 
+#include "Check/FileKind.hpp"
 #include "Helper/HelperProcess.hpp"
 
 #include <Settings/SystemDirectory.hpp>
@@ -101,7 +102,8 @@ void SystemCheck::CheckProcess(const ProcessData& process)
     if (!directory.empty() && !IsUnresolved(directory) && !IsDirectory(directory))
     {
         record.Add(FindingCode::MissingDirectory, position,
-                   fmt::format("Process '{}': the working directory '{}' does not exist.", process.name, directory));
+                   fmt::format("Process '{}': the working directory '{}' {}.", process.name, directory,
+                               DescribeFileKind(directory)));
     }
     const String executable = OfflineSystem::GetExecutable(process);
     if (!IsUnresolved(executable) && !IsExecutable(executable))
@@ -173,7 +175,8 @@ void SystemCheck::CheckComponents()
                 !System::Commons::Io::File::Exists(settingsPath))
             {
                 record.Add(FindingCode::MissingSettingsFile, component.position,
-                           fmt::format("Component '{}': the settings file '{}' does not exist.", name, settingsPath));
+                           fmt::format("Component '{}': the settings file '{}' {}.", name, settingsPath,
+                                       DescribeFileKind(settingsPath)));
             }
             if (process->isExternal && !IsCopy(component))
             {
