@@ -11,6 +11,8 @@
 #include <Vela/System/Rsc/ServiceManager.hpp>
 
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -39,7 +41,15 @@ std::string DescribeSilence()
     const pid_t process = RscManager::FindMainProcess();
     if (IsAlive(process))
     {
-        return fmt::format("The system in '{}' does not answer; its main process is {}.", directory, process);
+        struct stat status
+        {
+        };
+        const bool isOthers = ::stat(directory.c_str(), &status) == 0 && status.st_uid != ::geteuid();
+        return fmt::format("The system in '{}' does not answer; its main process is {}.{}", directory, process,
+                           isOthers ? fmt::format(" It is user {}'s, and other users need to be granted what they ask "
+                                                  "for.",
+                                                  status.st_uid)
+                                    : "");
     }
     const bool hasRecord = !System::Commons::Diagnostics::CrashRecords(directory).List().empty();
     return fmt::format("No system runs in '{}'{}.{}", directory,
