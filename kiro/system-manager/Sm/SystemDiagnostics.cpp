@@ -56,7 +56,7 @@ String ToText(const char* text)
 
 } // namespace
 
-SystemDiagnostics::SystemDiagnostics(String systemName, String configurationPath)
+SystemDiagnostics::SystemDiagnostics(String systemName, const String& configurationPath)
     : name(std::move(systemName))
     , configuration(Commons::Io::Path::GetFullPath(configurationPath))
 {

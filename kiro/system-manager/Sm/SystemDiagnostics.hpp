@@ -20,7 +20,7 @@ class SystemDiagnostics
 {
 public:
     /// @param systemName  the name of the main process
-    SystemDiagnostics(String systemName, String configurationPath);
+    SystemDiagnostics(String systemName, const String& configurationPath);
     SystemDiagnostics(const SystemDiagnostics&) = delete;
     SystemDiagnostics& operator=(const SystemDiagnostics&) = delete;
     ~SystemDiagnostics();
