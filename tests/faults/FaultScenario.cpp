@@ -12,10 +12,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <stdexcept>
-#include <thread>
 
 // Some versions of the C library declare these without regard to C++.
 extern "C"
@@ -47,15 +45,6 @@ std::map<std::string, std::string> MakeEnvironment(const TestSystem& system)
             {"RECORDING_SCRIPT", system.directory / "script"},
             {"ASAN_OPTIONS", AddOptions("ASAN_OPTIONS", "handle_segv=0")},
             {"TSAN_OPTIONS", AddOptions("TSAN_OPTIONS", "handle_segv=0:report_thread_leaks=0")}};
-}
-
-char GetState(pid_t process)
-{
-    std::ifstream stream("/proc/" + std::to_string(process) + "/stat");
-    std::string text;
-    std::getline(stream, text);
-    const std::size_t name = text.rfind(") ");
-    return name == std::string::npos ? '?' : text[name + 2];
 }
 
 UniqueFd Watch(pid_t process)
@@ -219,11 +208,7 @@ void FaultScenario::AwaitFirstLook() const
 
 void FaultScenario::StopAndContinue(pid_t process)
 {
-    kill(process, SIGSTOP);
-    while (GetState(process) != 'T')
-    {
-        std::this_thread::yield();
-    }
+    StopAllThreads(process);
     if (process != main->GetId() && cell.phase != Phase::Connect)
     {
         if (cell.phase == Phase::Idle)

@@ -2,6 +2,7 @@
 
 #include "DrawnPage.hpp"
 #include "SystemFixture.hpp"
+#include "ThreadRest.hpp"
 
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
@@ -224,7 +225,7 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
 
     // A process that does not answer hides the others' services from nobody.
     const auto right = static_cast<pid_t>(FindNamed(AskJson({"processes"}), "Right")["pid"]);
-    ASSERT_EQ(kill(right, SIGSTOP), 0);
+    StopAllThreads(right);
     const Answer partial = Ask({"services"});
     const Answer log = Ask({"log"});
     ASSERT_EQ(kill(right, SIGCONT), 0);
@@ -441,7 +442,7 @@ TEST_F(RunningSystemTest, TheLogIsFollowedBeyondTheDeathOfAProcess)
     // The main process has all the time that the machine needs to be asked for its last words.
     system.WriteSettings("<ProcessSettings singleProcess=\"false\" watchdogDelayTime=\"1h\"/>");
     // Whatever bytes a name has, pictures can be read.
-    StartedProcess main = system.Start({"--name=M\xFF"});
+    StartedProcess main = system.Start({"--name=M\xFF\xEF\xBF\xBF"});
     main.AwaitLine("was setup successfully");
     CheckDrawnPage(system.directory, Ask({"timeline", "plot"}).text);
     CheckDrawnPage(system.directory, Ask({"graph", "--running"}).text);

@@ -124,6 +124,8 @@ TEST_F(CrashTest, AProcessThatDiesOnTheWayDownLeavesOneRecordAndAnExitCode)
 {
     Configure({"MainProcess", "Left"}, {{"Faulty", "Left", "RecordingController"}});
     WriteScript("Faulty Stop exit 7\n");
+    // It is found out by the steps that fail; the watchdog would be another end.
+    system.WriteSettings("<ProcessSettings singleProcess='false' watchdogIdleTime='1h'/>");
     StartedProcess main = system.Start();
     main.AwaitLine(isUp);
     main.Signal(SIGTERM);

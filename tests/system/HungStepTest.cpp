@@ -2,6 +2,7 @@
 
 #include "Emulation.hpp"
 #include "SystemFixture.hpp"
+#include "ThreadRest.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -62,7 +63,7 @@ TEST_F(HungStepTest, AProcessThatDoesNotAnswerIsNamed)
     const std::string line = main.AwaitLine("Application 'Left' was setup successfully.");
     main.AwaitLine(isUp);
     const pid_t child = StartedProcess::GetProcessId(line);
-    kill(child, SIGSTOP);
+    StopAllThreads(child);
     main.Signal(SIGTERM);
     main.AwaitLine("Process 'Left' does not tell where its threads are: ");
     kill(child, SIGCONT);

@@ -7,10 +7,10 @@
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Kiro/Internal/ApplicationBase.hpp>
-#include <Vela/System/Kiro/Internal/MainApplicationBase.hpp>
 #include <Vela/VelaVersion.hpp>
 
 #include <algorithm>
+#include <array>
 #include <iostream>
 
 namespace Vela::System::Kiro::Internal
@@ -29,19 +29,26 @@ String DescribeCurrentException()
     return CaughtException::Current().Describe("Exception occurs: {0}", "Unspecified exception occurs.");
 }
 
-/// The step that ended a set-up, as fields of a record; none when it ended between two steps.
+/// Those of a way back, which follows when a step has failed.
+bool IsBackward(const String& step)
+{
+    static constexpr std::array steps{"StopComponent", "ResetComponentConfig", "DisposeComponent", "DestroyComponent",
+                                      "UnloadLibrary"};
+    return std::find(steps.begin(), steps.end(), step) != steps.end();
+}
+
+/// The step that ended a set-up, as fields of a record; none when it ended otherwise.
 Commons::Diagnostics::CrashRecords::Fields FindFailedStep(const Services::Internal::Timeline& timeline)
 {
-    const auto failed =
+    const auto last =
         std::find_if(timeline.steps.rbegin(), timeline.steps.rend(),
-                     [](const auto& step) {
-                         return step.outcome == "failed" && (step.subject == "component" || step.subject == "library");
-                     });
-    if (failed == timeline.steps.rend())
+                     [](const auto& step)
+                     { return (step.subject == "component" || step.subject == "library") && !IsBackward(step.step); });
+    if (last == timeline.steps.rend() || last->outcome != "failed")
     {
         return {};
     }
-    return {{failed->subject, failed->name}, {"step", failed->step}};
+    return {{last->subject, last->name}, {"step", last->step}};
 }
 
 } // namespace
@@ -119,28 +126,24 @@ bool ApplicationBase::Dispose()
 
 void ApplicationBase::RecordFailure(const String& error) const
 {
-    const String failed = data->isSetUp ? "failed" : "failed set-up";
-    // A child that has lost its parent in the middle of its start has failed at nothing itself.
-    if (data->parent.FindEnded())
+    // A child that has lost its parent in the middle of its start has failed at nothing itself, and another system's
+    // directory keeps that system's records only.
+    if (data->parent.FindEnded() || data->isDirectoryTaken)
     {
         return;
     }
+    const String failed = data->isSetUp ? "failed" : "failed set-up";
     const auto* systemManager = Singleton<Sm::SystemManager>::TryGetInstance();
-    if (systemManager == nullptr)
+    if (systemManager == nullptr || data->isSetUp)
     {
-        // Another system's directory keeps that system's records only.
-        if (data->commandLine.Has(MainApplicationBase::startAsChildOptionName) || !FailureRecord::IsDirectoryTaken())
-        {
-            data->failureRecord.Write(GetName(), failed, error, {}, {});
-        }
+        data->failureRecord.Write(GetName(), failed, error, {},
+                                  systemManager == nullptr ? std::vector<Sm::ProcessState>()
+                                                           : systemManager->DescribeProcesses());
         return;
     }
     const auto timeline = systemManager->GetDiagnostics().GetTimeline();
     data->failureRecord.Write(GetName(), failed, error, FindFailedStep(timeline), systemManager->DescribeProcesses());
-    if (!data->isSetUp)
-    {
-        FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(timeline));
-    }
+    FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(timeline));
 }
 
 void ApplicationBase::RestartSystem()

@@ -81,7 +81,15 @@ void ApplicationBase::SetupRemoting(bool isMainProcess)
 {
     const std::int32_t defaultPort = isMainProcess ? -1 : 0;
     const std::int32_t port = data->localTcpPort != 0 ? data->localTcpPort : defaultPort;
-    Rsc::RscManager::CreateInstance(GetName(), port, data->settings.GetRscSettings().GetPath(), isMainProcess);
+    try
+    {
+        Rsc::RscManager::CreateInstance(GetName(), port, data->settings.GetRscSettings().GetPath(), isMainProcess);
+    }
+    catch (...)
+    {
+        data->isDirectoryTaken = isMainProcess && FailureRecord::IsDirectoryTaken();
+        throw;
+    }
     // Remoting has chosen and checked it.
     const String runtimeDirectory = Environment::GetVariableValueOr(Environment::runtimeDirectoryName, "");
     Commons::Diagnostics::CrashHandler::SetRuntimeDirectory(runtimeDirectory);

@@ -59,6 +59,8 @@ struct ApplicationData
     CommandLine commandLine;
     ParentProcess parent;
     std::int32_t localTcpPort = 0;
+    /// Remoting was refused: the runtime directory belongs to the system of another main process.
+    bool isDirectoryTaken = false;
     bool isDebugBreak = false;
     bool singleProcess = false;
     bool isSingleProcessGiven = false;

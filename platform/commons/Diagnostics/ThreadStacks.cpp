@@ -222,15 +222,14 @@ std::vector<ThreadStack> ThreadStacks::Collect()
     {
         const auto limit = std::min<Clock::duration>(timeForOne, end - Clock::now());
         const bool isSeen = limit > Clock::duration::zero() && LookAt(thread, limit);
-        String name = ReadName(thread);
-        if (!isSeen && name.empty())
+        if (!isSeen && ::access(fmt::format("/proc/self/task/{}", thread).c_str(), F_OK) != 0)
         {
             // It has ended meanwhile.
             continue;
         }
         ThreadStack& stack = stacks.emplace_back();
         stack.id = thread;
-        stack.name = std::move(name);
+        stack.name = ReadName(thread);
         if (!isSeen)
         {
             continue;

@@ -125,18 +125,16 @@ void Endpoint::Accept(int listener, Transport transport)
     {
         if (errno == EMFILE || errno == ENFILE || errno == ENOMEM || errno == ENOBUFS)
         {
-            if (!std::exchange(isExhausted, true))
+            const String cause = Commons::GetErrorText(errno);
+            const auto now = Clock::now();
+            if (now - std::exchange(lastShortage, now) > PeerLog::period)
             {
-                log.Warning("Cannot accept connections: {0}", Commons::GetErrorText(errno));
+                log.Warning("Cannot accept connections: {0}", cause);
             }
             pollfd wake{board->wakeEvent.Get(), POLLIN, 0};
             ::poll(&wake, 1, exhaustionPause);
         }
         return;
-    }
-    if (std::exchange(isExhausted, false))
-    {
-        log.Info("Connections can be accepted again.");
     }
     try
     {

@@ -78,8 +78,8 @@ private:
     const std::shared_ptr<Board> board;
     std::map<std::size_t, Worker> workers;
     std::size_t nextWorker = 0;
-    /// Nobody can be let in since the system has run out of something; said once.
-    bool isExhausted = false;
+    /// When nobody could be let in last, for want of descriptors or memory.
+    Clock::time_point lastShortage;
     std::thread acceptThread;
 };
 

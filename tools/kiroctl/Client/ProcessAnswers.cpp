@@ -31,29 +31,24 @@ std::vector<String> AskProcesses(const RunningSystem& system, const std::vector<
                                  const ProcessQuestion& question)
 {
     using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds atOnce{100};
-    std::vector<String> slow;
-    std::vector<String> silent;
-    // False when there is nobody to ask.
-    const auto ask = [&](const String& process, std::chrono::milliseconds patience)
-    {
-        const auto service = system.TryGetProcess(process, patience);
-        if (service && !TryAsk([&] { question(process, service); }))
-        {
-            silent.push_back(process);
-        }
-        return service != nullptr;
-    };
-    std::copy_if(processes.begin(), processes.end(), std::back_inserter(slow),
-                 [&](const String& process) { return !ask(process, atOnce); });
-    // All of them together get the time that one may take.
+    constexpr std::chrono::milliseconds turn{100};
     const auto deadline = Clock::now() + RunningSystem::GetPatience();
-    std::copy_if(slow.begin(), slow.end(), std::back_inserter(silent),
-                 [&](const String& process)
-                 {
-                     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-                     return !ask(process, std::max(left, std::chrono::milliseconds(0)));
-                 });
+    std::vector<String> silent;
+    std::vector<String> left = processes;
+    do
+    {
+        std::erase_if(left,
+                      [&](const String& process)
+                      {
+                          const auto service = system.TryGetProcess(process, turn);
+                          if (service && !TryAsk([&] { question(process, service); }))
+                          {
+                              silent.push_back(process);
+                          }
+                          return service != nullptr;
+                      });
+    } while (!left.empty() && Clock::now() < deadline);
+    silent.insert(silent.end(), left.begin(), left.end());
     return silent;
 }
 

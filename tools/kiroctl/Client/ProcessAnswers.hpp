@@ -14,8 +14,8 @@ bool TryAsk(const std::function<void()>& question);
 using ProcessQuestion =
     std::function<void(const String& process, const std::shared_ptr<Services::IDiagnosticsService>& service)>;
 
-/// Asks processes, those first that answer at once: one that hangs or has just died must not keep the others waiting,
-/// which may have only a moment left themselves.
+/// Asks processes in turns: one that hangs or has just died must not keep the others waiting, which may have only a
+/// moment left themselves.
 /// @return the processes that did not answer
 std::vector<String> AskProcesses(const RunningSystem& system, const std::vector<String>& processes,
                                  const ProcessQuestion& question);

@@ -46,8 +46,8 @@ std::string DescribeSilence()
         };
         const bool isOthers = ::stat(directory.c_str(), &status) == 0 && status.st_uid != ::geteuid();
         return fmt::format("The system in '{}' does not answer; its main process is {}.{}", directory, process,
-                           isOthers ? fmt::format(" It is user {}'s, and other users need to be granted what they ask "
-                                                  "for.",
+                           isOthers ? fmt::format(" It is user {}'s: ask as that user, or as one to whom its "
+                                                  "security settings grant something.",
                                                   status.st_uid)
                                     : "");
     }

@@ -47,6 +47,18 @@ std::string Escape(std::string_view text)
     return escaped;
 }
 
+/// Two characters of Unicode that are no characters: no document can hold them.
+std::string ReplaceNoncharacters(std::string text)
+{
+    constexpr std::string_view begin = "\xEF\xBF";
+    for (auto at = text.find(begin); at != std::string::npos; at = text.find(begin, at + begin.size()))
+    {
+        char& last = text[at + begin.size()];
+        last = last == '\xBE' || last == '\xBF' ? '\xBD' : last;
+    }
+    return text;
+}
+
 std::string FormatKind(const SvgPage::Look& look)
 {
     return look.kind.empty() ? std::string() : fmt::format(R"(class="{}" )", look.kind);
@@ -145,13 +157,13 @@ void SvgPage::AddLine(double fromX, double fromY, double toX, double toY, const 
 std::string SvgPage::Finish(double width, double height, std::string_view title) const
 {
     // Names are bytes, which a command line may choose freely; a document must be readable.
-    return RepairText(fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
+    return ReplaceNoncharacters(RepairText(fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
 <svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" viewBox="0 0 {0:.0f} {1:.0f}" font-family="DejaVu Sans Mono, Liberation Mono, monospace">
 <title>{2}</title>
 <rect width="{0:.0f}" height="{1:.0f}" fill="#ffffff"/>
 {3}</svg>
 )",
-                                  width, height, Escape(title), body));
+                                                       width, height, Escape(title), body)));
 }
 
 } // namespace Vela::Kiroctl
