@@ -132,18 +132,16 @@ void ApplicationBase::RecordFailure(const String& error) const
     {
         return;
     }
-    const String failed = data->isSetUp ? "failed" : "failed set-up";
     const auto* systemManager = Singleton<Sm::SystemManager>::TryGetInstance();
-    if (systemManager == nullptr || data->isSetUp)
+    const bool isOfStart = systemManager != nullptr && !data->isSetUp;
+    const auto timeline = isOfStart ? systemManager->GetDiagnostics().GetTimeline() : Services::Internal::Timeline();
+    data->failureRecord.Write(GetName(), data->isSetUp ? "failed" : "failed set-up", error, FindFailedStep(timeline),
+                              systemManager == nullptr ? std::vector<Sm::ProcessState>()
+                                                       : systemManager->DescribeProcesses());
+    if (isOfStart)
     {
-        data->failureRecord.Write(GetName(), failed, error, {},
-                                  systemManager == nullptr ? std::vector<Sm::ProcessState>()
-                                                           : systemManager->DescribeProcesses());
-        return;
+        FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(timeline));
     }
-    const auto timeline = systemManager->GetDiagnostics().GetTimeline();
-    data->failureRecord.Write(GetName(), failed, error, FindFailedStep(timeline), systemManager->DescribeProcesses());
-    FailureRecord::WriteTimeline(Sm::MakeTimelineDocument(timeline));
 }
 
 void ApplicationBase::RestartSystem()
