@@ -228,6 +228,7 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
     StopAllThreads(right);
     const Answer partial = Ask({"services"});
     const Answer log = Ask({"log"});
+    const Answer levels = Ask({"loglevel", "Plant", "debug"});
     ASSERT_EQ(kill(right, SIGCONT), 0);
     EXPECT_EQ(log.code, 3);
     EXPECT_NE(log.text.find("Tank1 takes step Start"), std::string::npos) << log.text;
@@ -235,8 +236,29 @@ TEST_F(RunningSystemTest, ServicesAndTheirUsersAreListedAndDrawn)
     EXPECT_EQ(partial.code, 3);
     EXPECT_TRUE(std::regex_search(partial.text, std::regex(name + " +Left +Tank1 +Panel"))) << partial.text;
     EXPECT_NE(partial.text.find("The services of process 'Right' are missing: it does not answer."), std::string::npos);
+    EXPECT_EQ(levels.code, 3);
+    EXPECT_TRUE(std::regex_search(levels.text, std::regex("Left +Plant +Debug *\nMainProcess +Plant +Debug")))
+        << levels.text;
+    EXPECT_NE(levels.text.find("The levels of process 'Right' are missing: it does not answer."), std::string::npos);
     main.Signal(SIGTERM);
     EXPECT_EQ(main.AwaitEnd(), 0);
+}
+
+TEST_F(RunningSystemTest, WaitsForTheEndOfTheMainProcessAndNotForItsSilence)
+{
+    // The last of all: no service is left by then.
+    Configure({"MainProcess"}, {{"Last", "MainProcess", "RecordingNone"}});
+    const std::string gate = MakeGate();
+    WriteScript("Last Destroy await " + gate + "\n");
+    StartedProcess main = system.Start();
+    main.AwaitLine(isUp);
+    const Answer early = Ask({"shutdown", "--wait", "1"});
+    EXPECT_EQ(early.code, 1);
+    EXPECT_EQ(early.text, "kiroctl: System 'MainProcess' has not ended within 1 s.\n");
+    main.AwaitLine("Last takes step Destroy");
+    EXPECT_EQ(Ask({"status"}).code, 3);
+    ::close(open(gate.c_str(), O_WRONLY | O_CLOEXEC));
+    EXPECT_EQ(main.AwaitEnd(), 0) << main.GetOutput();
 }
 
 TEST_F(RunningSystemTest, TheTimesOfAStartAreDrawnRankedAndHeldToABudget)

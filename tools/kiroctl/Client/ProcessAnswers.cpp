@@ -19,7 +19,7 @@ bool TryAsk(const std::function<void()>& question)
     }
     catch (const Exception& exception)
     {
-        if (GetExitCode(exception) == ExitCode::Refused)
+        if (GetExitCode(exception) != ExitCode::Unreachable)
         {
             throw;
         }

@@ -7,7 +7,7 @@
 namespace Vela::Kiroctl
 {
 
-/// Asks something that a process may leave unanswered, for whatever reason; a refusal is thrown.
+/// Asks something that a process may leave unanswered; what it throws as its answer is thrown here.
 /// @return whether it was answered
 bool TryAsk(const std::function<void()>& question);
 

@@ -1,6 +1,8 @@
 #include "../Client/LogLevels.hpp"
-#include "../Client/RunningSystem.hpp"
+#include "../Client/ProcessAnswers.hpp"
 #include "../Command.hpp"
+
+#include <map>
 
 namespace Vela::Kiroctl
 {
@@ -27,26 +29,32 @@ public:
         const LogLevel newLevel = isChange ? ParseLogLevel(level) : LogLevel::None;
         Json json = Json::array();
         Table table({{"PROCESS"}, {"CATEGORY"}, {"LEVEL"}});
-        for (const String& name : system.SelectProcesses(process))
+        const auto processes = system.SelectProcesses(process);
+        std::map<String, std::vector<Services::LogCategoryLevel>> levels;
+        const auto silentProcesses = AskProcesses(system, processes,
+                                                  [&](const String& name, const auto& service)
+                                                  {
+                                                      if (isChange)
+                                                      {
+                                                          service->SetLogLevel(prefix, newLevel);
+                                                      }
+                                                      levels[name] = service->GetLogLevels();
+                                                  });
+        for (const String& name : processes)
         {
-            const auto service = system.GetProcess(name);
-            if (isChange)
-            {
-                service->SetLogLevel(prefix, newLevel);
-            }
-            for (const auto& set : service->GetLogLevels())
+            for (const auto& set : levels[name])
             {
                 const std::string shown = set.category.empty() ? "*" : set.category;
-                if (!category.empty() && shown != category)
+                if (category.empty() || shown == category)
                 {
-                    continue;
+                    json.push_back(Json{{"process", name}, {"category", shown}, {"level", GetLevelName(set.level)}});
+                    table.AddRow({name, shown, GetLevelName(set.level)});
                 }
-                json.push_back(Json{{"process", name}, {"category", shown}, {"level", GetLevelName(set.level)}});
-                table.AddRow({name, shown, GetLevelName(set.level)});
             }
         }
         Output& output = session.GetOutput();
         output.IsJson() ? output.WriteJson(json) : output.WriteTable(table);
+        RequireAnswers("levels", silentProcesses);
         return ExitCode::Success;
     }
 

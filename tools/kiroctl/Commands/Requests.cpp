@@ -2,11 +2,22 @@
 
 #include "../Client/RunningSystem.hpp"
 #include "../Command.hpp"
+#include "../CommandError.hpp"
 
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Commons/SystemError.hpp>
+#include <Vela/System/Commons/UniqueFd.hpp>
 
+#include <poll.h>
+
+#include <algorithm>
 #include <chrono>
-#include <thread>
+
+// Some versions of the C library declare these without regard to C++.
+extern "C"
+{
+#include <sys/pidfd.h>
+}
 
 namespace Vela::Kiroctl
 {
@@ -16,24 +27,37 @@ namespace
 
 using Manager = Services::ISystemManagerService;
 
-/// Returns when the system no longer answers; false when the time is over first.
-bool AwaitEnd(const std::shared_ptr<Services::ISystemDiagnosticsService>& diagnostics, std::chrono::seconds limit)
+/// The main process, as a descriptor that becomes readable when it ends: a system that no longer answers may hang, or
+/// be busy with its end.
+System::Commons::UniqueFd WatchMainProcess(Services::ISystemDiagnosticsService& diagnostics)
 {
-    constexpr std::chrono::milliseconds pause{100};
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (std::chrono::steady_clock::now() < deadline)
+    for (const auto& process : diagnostics.GetProcesses())
     {
-        try
+        if (process.isMain)
         {
-            diagnostics->GetStatus();
+            System::Commons::UniqueFd watch(::pidfd_open(process.processId, 0));
+            if (!watch.IsValid())
+            {
+                System::Commons::ThrowSystemError(fmt::format("Cannot wait for process {}", process.processId));
+            }
+            return watch;
         }
-        catch (const Exception&)
-        {
-            return true;
-        }
-        std::this_thread::sleep_for(pause);
     }
-    return false;
+    throw CommandError(ExitCode::Failed, "The system does not tell its main process.");
+}
+
+/// @return false when the time is over first
+bool AwaitEnd(const System::Commons::UniqueFd& process, std::chrono::milliseconds limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    pollfd ended{process.Get(), POLLIN, 0};
+    return System::Commons::RetryInterrupted(
+               [&]
+               {
+                   const auto left =
+                       std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+                   return ::poll(&ended, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+               }) > 0;
 }
 
 class Request final : public Command
@@ -61,6 +85,7 @@ public:
         const auto diagnostics = system.GetDiagnostics();
         const String systemName = diagnostics->GetStatus().name;
         const auto manager = system.GetManager();
+        const auto mainProcess = wait > 0 ? WatchMainProcess(*diagnostics) : System::Commons::UniqueFd();
         try
         {
             ((*manager).*operation)();
@@ -69,7 +94,7 @@ public:
         {
             throw CommandError(ExitCode::Refused, "{}", exception.GetMessage());
         }
-        const bool hasEnded = wait > 0 && AwaitEnd(diagnostics, std::chrono::seconds(wait));
+        const bool hasEnded = wait > 0 && AwaitEnd(mainProcess, std::chrono::seconds(wait));
         if (wait > 0 && !hasEnded)
         {
             throw CommandError(ExitCode::Negative, "System '{}' has not ended within {} s.", systemName, wait);
