@@ -1,5 +1,6 @@
 #include "RscRuntime.hpp"
 #include "Security/AccessControl.hpp"
+#include "Security/Audit.hpp"
 #include "Transport/RuntimeDirectory.hpp"
 
 #include <Vela/AppDomainSingleton.hpp>
@@ -87,6 +88,7 @@ bool RscManager::DisposeInstance()
     const bool hasEnded = manager->runtime->Close();
     RscRuntime::SetInstance(nullptr);
     AppDomainSingleton<RscManager>::DisposeInstance();
+    Audit::Finish();
     return hasEnded;
 }
 

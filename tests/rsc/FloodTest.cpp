@@ -62,17 +62,6 @@ protected:
         return clients;
     }
 
-    static std::size_t CountLines(const CapturedLog& log, std::string_view text)
-    {
-        const String lines = log.GetText();
-        std::size_t count = 0;
-        for (auto at = lines.find(text); at != String::npos; at = lines.find(text, at + 1))
-        {
-            ++count;
-        }
-        return count;
-    }
-
     RscManagerOptions options;
 };
 
@@ -152,9 +141,9 @@ TEST_F(Flood, OneProcessCannotTakeAllConnectionsNorFillTheLog)
         ASSERT_EQ(client.ReceiveRefusal(), "too many connections are open");
     }
     ExpectService();
-    EXPECT_EQ(CountLines(log, fmt::format("Refused a connection of process {}: 8 of its connections are open, which is "
-                                          "the limit.",
-                                          ::getpid())),
+    EXPECT_EQ(log.Count(fmt::format("Refused a connection of process {}: 8 of its connections are open, which is the "
+                                    "limit.",
+                                    ::getpid())),
               20U);
     clients.front().SendFrame(RawClient::call, 7, clients.front().MakeCall(addNumber, MakePayload(1, 2)));
     EXPECT_TRUE(clients.front().Receive()) << "those that it has are served on";

@@ -89,6 +89,21 @@ TEST_F(SecuredService, RefusesWhatIsNotGrantedBeforeItReachesTheService)
     EXPECT_NE(peer.End().find("after 1 calls"), std::string::npos);
 }
 
+TEST_F(SecuredService, DoesNotLetTheRefusedFillTheLog)
+{
+    const CapturedLog log;
+    OpenSecured(MakeGrant(OwnUser(), "Nothing"));
+    const auto service = GetService(ownName);
+    for (int i = 0; i < 50; ++i)
+    {
+        EXPECT_THROW(service->Add(1, 2), RscException);
+    }
+    EXPECT_EQ(log.Count("Refused operation 'Add'"), 20U);
+    RscManager::DisposeInstance();
+    EXPECT_TRUE(log.Contains(
+        fmt::format("30 more warnings about refused operations of process {} were left out.", ::getpid())));
+}
+
 TEST_F(SecuredService, AuthorisesTheCallerAndNotWhoeverIsBehindIt)
 {
     // A call that comes from another process and calls on is a call of this process.

@@ -38,6 +38,18 @@ public:
         return GetText().find(text) != String::npos;
     }
 
+    /// How often a text was logged.
+    [[nodiscard]] std::size_t Count(const String& text) const
+    {
+        const String lines = GetText();
+        std::size_t count = 0;
+        for (auto at = lines.find(text); at != String::npos; at = lines.find(text, at + 1))
+        {
+            ++count;
+        }
+        return count;
+    }
+
 private:
     static constexpr const char* fileName = "captured.log";
 

@@ -1,11 +1,39 @@
 #include "Security/Audit.hpp"
 
+#include "Server/PeerLog.hpp"
+
+#include <fmt/format.h>
+
 namespace Vela::System::Rsc
 {
 
+namespace
+{
+
+ConnectionPeer FindPeer(const RscCaller& caller)
+{
+    return caller.processId == 0 ? ConnectionPeer::MakeTcp()
+                                 : ConnectionPeer::MakeUnix({caller.userId, caller.processId});
+}
+
+} // namespace
+
 void Audit::LogRefusal(const RscCaller& caller, const String& service, const char* operation)
 {
-    log.Warning("Refused operation '{0}' of service '{1}' to {2}.", operation, service, caller.ToString());
+    GetRefusals().Warn(FindPeer(caller), fmt::format("Refused operation '{0}' of service '{1}' to {2}.", operation,
+                                                     service, caller.ToString()));
+}
+
+void Audit::Finish()
+{
+    GetRefusals().EndPeriods();
+}
+
+PeerLog& Audit::GetRefusals()
+{
+    // Never destroyed: a call may outlast all that is taken down.
+    static auto& refusals = *new PeerLog("refused operations", [](const String& text) { log.Warning("{0}", text); });
+    return refusals;
 }
 
 } // namespace Vela::System::Rsc

@@ -1,18 +1,26 @@
 #include "Server/PeerLog.hpp"
 
+#include <fmt/format.h>
+
 namespace Vela::System::Rsc
 {
 
+PeerLog::PeerLog(const char* whatIsRefused, Writer textWriter)
+    : subject(whatIsRefused)
+    , writer(textWriter != nullptr ? textWriter : [](const String& text) { log.Warning("{0}", text); })
+{
+}
+
 PeerLog::~PeerLog()
 {
-    EndPeriods(Clock::time_point::max());
+    EndPeriods();
 }
 
 void PeerLog::Warn(const ConnectionPeer& peer, const String& text)
 {
     const auto now = Clock::now();
     const std::lock_guard lock(mutex);
-    EndPeriods(now);
+    EndPeriodsBefore(now);
     Account& account = accounts.try_emplace(peer, Account{now, 0, 0}).first->second;
     if (account.written == maxPerPeriod)
     {
@@ -20,14 +28,20 @@ void PeerLog::Warn(const ConnectionPeer& peer, const String& text)
         return;
     }
     ++account.written;
-    log.Warning("{0}", text);
+    writer(text);
 }
 
-void PeerLog::EndPeriods(Clock::time_point now)
+void PeerLog::EndPeriods()
+{
+    const std::lock_guard lock(mutex);
+    EndPeriodsBefore(Clock::time_point::max());
+}
+
+void PeerLog::EndPeriodsBefore(Clock::time_point end)
 {
     for (auto account = accounts.begin(); account != accounts.end();)
     {
-        if (now - account->second.begin < period)
+        if (end - account->second.begin < period)
         {
             ++account;
             continue;
@@ -37,11 +51,12 @@ void PeerLog::EndPeriods(Clock::time_point now)
     }
 }
 
-void PeerLog::ReportLeftOut(const ConnectionPeer& peer, const Account& account)
+void PeerLog::ReportLeftOut(const ConnectionPeer& peer, const Account& account) const
 {
     if (account.leftOut > 0)
     {
-        log.Warning("{0} more warnings about connections of {1} were left out.", account.leftOut, peer.ToString());
+        writer(fmt::format("{0} more warnings about {1} of {2} were left out.", account.leftOut, subject,
+                           peer.ToString()));
     }
 }
 
