@@ -118,6 +118,11 @@ int RscManager::GetPort() const noexcept
     return runtime->GetPort();
 }
 
+std::chrono::milliseconds RscManager::GetCallTimeout() const noexcept
+{
+    return runtime->GetOptions().callTimeout;
+}
+
 RscManager::RscManager(std::shared_ptr<RscRuntime> rscRuntime)
     : runtime(std::move(rscRuntime))
 {

@@ -1,9 +1,16 @@
+#include <Vela/AppDomain.hpp>
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Nm/NotificationManagerSetup.hpp>
+#include <Vela/System/Nm/NotificationSubscription.hpp>
+#include <Vela/System/Rsc/RscManager.hpp>
+#include <Vela/System/Rsc/RscServiceFactory.hpp>
+#include <Vela/System/Rsc/ServiceManager.hpp>
 
 #include <Broker/NotificationBroker.hpp>
 #include <Client/NotificationForwarder.hpp>
 #include <Client/SubscriptionDispatcher.hpp>
 #include <Inbox.hpp>
+#include <TemporaryDirectory.hpp>
 #include <TestPayload.hpp>
 #include <gtest/gtest.h>
 
@@ -65,6 +72,8 @@ public:
     NotificationDelivery Fetch(std::uint32_t session, std::uint32_t waitMilliseconds) override
     {
         Check();
+        fetchWait = waitMilliseconds;
+        isFetching.Open();
         return broker->Fetch(session, waitMilliseconds);
     }
 
@@ -76,6 +85,8 @@ public:
 
     Gate isPublishing;
     Gate mayPublish;
+    Gate isFetching;
+    std::atomic<std::uint32_t> fetchWait{0};
     std::atomic<bool> isCut{false};
 
 private:
@@ -224,6 +235,28 @@ TEST_F(NotificationClient, NoticesALostBrokerWhenItSubscribesAgain)
     (void)dispatcher.Add(NamePattern("A"), inbox.Receive(), inbox.Miss());
     broker->Post(Make(1));
     EXPECT_EQ(inbox.Await(1), Items{1}) << "a new subscription has missed nothing";
+}
+
+TEST_F(NotificationClient, FetchesWellWithinTheTimeOfACall)
+{
+    const TemporaryDirectory directory;
+    ::setenv("VELA_PATH_RUNTIME_DIR", directory.GetPath().c_str(), 1);
+    AppDomain::CreateInstance();
+    System::Rsc::RscManagerOptions options;
+    options.callTimeout = std::chrono::milliseconds(600);
+    System::Rsc::RscManager::CreateInstance("Main", 0, options, true);
+    const auto service = Connect(broker);
+    System::Rsc::RscServiceFactory<INotificationService, FragileService> factory([service] { return service; });
+    System::Rsc::ServiceManager::PublishService({}, factory.GetInterfaceName(), factory);
+    NotificationManagerSetup::Setup("Main", false);
+    {
+        const NotificationSubscription subscription("A", inbox.Receive());
+        ASSERT_TRUE(service->isFetching.Await());
+        EXPECT_EQ(service->fetchWait, 300U);
+    }
+    NotificationManagerSetup::Dispose();
+    System::Rsc::RscManager::DisposeInstance();
+    ::unsetenv("VELA_PATH_RUNTIME_DIR");
 }
 
 } // namespace Vela::Testing

@@ -8,6 +8,7 @@
 #include <Core/NotificationCore.hpp>
 #include <Service/NotificationServiceProxy.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -19,10 +20,9 @@ namespace
 
 constexpr const char* serviceName = Rsc::OperationTable<INotificationService>::interfaceName;
 
-/// At the broker of the own process nothing stands against a long wait; through remoting it has to stay well below any
-/// call time-out.
+/// At the broker of the own process nothing stands against a long wait.
 constexpr std::chrono::milliseconds localFetchWait{60'000};
-constexpr std::chrono::milliseconds remoteFetchWait{1000};
+constexpr std::chrono::milliseconds longestRemoteFetchWait{1000};
 constexpr std::chrono::milliseconds connectTimeout{1000};
 
 struct CurrentCore
@@ -35,6 +35,14 @@ CurrentCore& GetCurrentCore()
 {
     static CurrentCore current;
     return current;
+}
+
+/// Well below the time after which the call would count as lost.
+std::chrono::milliseconds GetRemoteFetchWait()
+{
+    const auto* remoting = AppDomainSingleton<Rsc::RscManager>::TryGetInstance();
+    return remoting == nullptr ? longestRemoteFetchWait
+                               : std::min(longestRemoteFetchWait, remoting->GetCallTimeout() / 2);
 }
 
 std::shared_ptr<INotificationService> FindBroker()
@@ -55,7 +63,7 @@ NotificationCore::NotificationCore(String applicationName, const NotificationLim
     : processName(std::move(applicationName))
     , broker(withBroker ? std::make_shared<NotificationBroker>(limits) : nullptr)
     , forwarder(GetConnector(), limits)
-    , dispatcher(processName, GetConnector(), withBroker ? localFetchWait : remoteFetchWait)
+    , dispatcher(processName, GetConnector(), withBroker ? localFetchWait : GetRemoteFetchWait())
 {
 }
 

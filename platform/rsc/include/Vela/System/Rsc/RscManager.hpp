@@ -68,6 +68,8 @@ public:
     void CloseAllClients(bool abortCalls);
     /// The TCP port that the process listens on; 0: none.
     [[nodiscard]] int GetPort() const noexcept;
+    /// How long a call of this process waits for its answer.
+    [[nodiscard]] std::chrono::milliseconds GetCallTimeout() const noexcept;
 
     explicit RscManager(std::shared_ptr<RscRuntime> rscRuntime);
     RscManager(const RscManager&) = delete;
