@@ -378,6 +378,19 @@ TEST_F(EndpointUnderAttack, TakesOverWhatAKilledSystemLeft)
                                                      "new-comer.socket", "system-lock"}));
 }
 
+TEST_F(EndpointUnderAttack, SaysWhichNameCannotBeItsOwn)
+{
+    std::filesystem::create_directory(directory.GetPath() / "Tester.socket");
+    std::filesystem::create_directory(directory.GetPath() / "Pump.component");
+    const std::string place = fmt::format("in runtime directory '{}': Is a directory", directory.GetPath().string());
+    EXPECT_EQ(GetThrownMessage<Exception>([this] { Open(); }), "Cannot make socket 'Tester.socket' " + place);
+    std::filesystem::remove(directory.GetPath() / "Tester.socket");
+    Open();
+    EXPECT_EQ(GetThrownMessage<Exception>(
+                  [this] { ServiceManager::PublishService("Pump", ownFactory.GetInterfaceName(), ownFactory); }),
+              "Cannot make link 'Pump.component' " + place);
+}
+
 TEST_F(EndpointUnderAttack, RefusesADirectoryThatOthersCanWriteInto)
 {
     std::filesystem::permissions(directory.GetPath(), std::filesystem::perms::others_write,

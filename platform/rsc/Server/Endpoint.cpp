@@ -127,7 +127,8 @@ void Endpoint::Accept(int listener, Transport transport)
         {
             const String cause = Commons::GetErrorText(errno);
             const auto now = Clock::now();
-            if (now - std::exchange(lastShortage, now) > PeerLog::period)
+            const auto last = std::exchange(lastShortage, now);
+            if (!last || now - *last > PeerLog::period)
             {
                 log.Warning("Cannot accept connections: {0}", cause);
             }

@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -79,7 +80,7 @@ private:
     std::map<std::size_t, Worker> workers;
     std::size_t nextWorker = 0;
     /// When nobody could be let in last, for want of descriptors or memory.
-    Clock::time_point lastShortage;
+    std::optional<Clock::time_point> lastShortage;
     std::thread acceptThread;
 };
 

@@ -154,11 +154,14 @@ UniqueFd RuntimeDirectory::Listen(const String& fileName, const String& applicat
     }
     while (::linkat(descriptor.Get(), temporaryName.c_str(), descriptor.Get(), fileName.c_str(), 0) != 0)
     {
-        const int error = errno;
+        int error = errno;
         if (error == EEXIST && !IsLive(fileName))
         {
-            Remove(fileName);
-            continue;
+            error = TryRemove(fileName);
+            if (error == 0)
+            {
+                continue;
+            }
         }
         Remove(temporaryName);
         if (error == EEXIST)
@@ -214,13 +217,21 @@ void RuntimeDirectory::Link(const String& linkName, const String& socketFileName
             throw InvalidOperationException("Link '{}' in runtime directory '{}' belongs to another process ('{}').",
                                             linkName, path, present);
         }
-        Remove(linkName);
+        if (const int error = TryRemove(linkName); error != 0)
+        {
+            ThrowSystemError(fmt::format("Cannot make link '{}' in runtime directory '{}'", linkName, path), error);
+        }
     }
 }
 
 void RuntimeDirectory::Remove(const String& fileName) const noexcept
 {
-    ::unlinkat(descriptor.Get(), fileName.c_str(), 0);
+    static_cast<void>(TryRemove(fileName));
+}
+
+int RuntimeDirectory::TryRemove(const String& fileName) const noexcept
+{
+    return ::unlinkat(descriptor.Get(), fileName.c_str(), 0) == 0 || errno == ENOENT ? 0 : errno;
 }
 
 void RuntimeDirectory::Unlink(const String& linkName, const String& socketFileName) const noexcept

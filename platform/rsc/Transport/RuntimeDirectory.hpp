@@ -62,6 +62,9 @@ public:
     void Link(const String& linkName, const String& socketFileName) const;
     /// Removes a file or link; nothing happens when there is none.
     void Remove(const String& fileName) const noexcept;
+    /// The same.
+    /// @return 0 when it is gone, otherwise the number of the system's error
+    [[nodiscard]] int TryRemove(const String& fileName) const noexcept;
     /// Removes a link if it leads to that socket file.
     void Unlink(const String& linkName, const String& socketFileName) const noexcept;
 
