@@ -48,9 +48,9 @@ public:
         {
             if (name == "Limits")
             {
-                ReadSize(reader, "maxRequestSize", 4096, options.maxRequestSize);
-                ReadSize(reader, "maxResponseSize", 131'072, options.maxResponseSize);
-                ReadSize(reader, "maxConnections", 1, options.maxConnections);
+                ReadSize(reader, "maxRequestSize", minMessageSize, options.maxRequestSize);
+                ReadSize(reader, "maxResponseSize", minMessageSize, options.maxResponseSize);
+                ReadSize(reader, "maxConnections", minConnections, options.maxConnections);
                 ReadSize(reader, "maxConnectionsPerProcess", 2, options.maxConnectionsPerProcess);
             }
             else if (name == "Timeouts")
@@ -79,6 +79,10 @@ public:
 
 private:
     static constexpr std::uint32_t maxSize = 1U << 30U;
+    /// Notifications travel together, up to some 256 KiB of them.
+    static constexpr std::uint32_t minMessageSize = 1U << 19U;
+    /// The main process alone needs two of them, and whoever asks the process something one more.
+    static constexpr std::uint32_t minConnections = 4;
 
     static void ReadSize(XmlReader& reader, const char* attribute, std::uint32_t min, std::size_t& size)
     {

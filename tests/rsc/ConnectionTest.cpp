@@ -85,12 +85,13 @@ TEST_F(ConnectionToPeer, BoundsRequestsAndResponses)
     Open();
     StartPeer("Peer");
     const auto service = GetService("Peer");
-    EXPECT_THROW(service->Echo(String(2U << 20U, 'x')), RscException);
+    EXPECT_EQ(GetThrownMessage<RscException>([&] { service->Echo(String(2U << 20U, 'x')); }),
+              Message("Echo", "The message exceeds 1048592 bytes."));
     EXPECT_EQ(service->Add(1, 2), 3);
     EXPECT_EQ(service->Many(50'000).size(), 50'000U) << "an answer may be larger than a request";
 
     StartPeer("Small", {"settings=" + directory.Write("small.settings", R"(<RscSettingsDocument>
-        <Limits maxResponseSize="131072"/></RscSettingsDocument>)")});
+        <Limits maxResponseSize="524288"/></RscSettingsDocument>)")});
     const auto small = GetService("Small");
     EXPECT_NE(GetThrownMessage<RscException>([&] { small->Many(50'000); }).find("the answer is too large"),
               String::npos);

@@ -15,12 +15,12 @@ TEST(RscManagerOptions, AreReadFromAFile)
 {
     const Vela::Testing::TemporaryDirectory directory;
     const auto options = RscManagerOptions::Load(directory.Write("Rsc.settings", R"(<RscSettingsDocument>
-        <Limits maxRequestSize="4096" maxResponseSize="131072" maxConnections="7" maxConnectionsPerProcess="5"/>
+        <Limits maxRequestSize="524288" maxResponseSize="600000" maxConnections="7" maxConnectionsPerProcess="5"/>
         <Timeouts call="1500ms" connect="2s" close="250" frame="4s"/>
         <Services><Service name="A" security="true"/><Service name="B" security="false"/></Services>
         </RscSettingsDocument>)"));
-    EXPECT_EQ(options.maxRequestSize, 4096U);
-    EXPECT_EQ(options.maxResponseSize, 131'072U);
+    EXPECT_EQ(options.maxRequestSize, 524'288U);
+    EXPECT_EQ(options.maxResponseSize, 600'000U);
     EXPECT_EQ(options.maxConnections, 7U);
     EXPECT_EQ(options.maxConnectionsPerProcess, 5U);
     EXPECT_EQ(options.callTimeout, 1500ms);
@@ -41,9 +41,10 @@ TEST(RscManagerOptions, RefuseValuesThatCannotWork)
 {
     const Vela::Testing::TemporaryDirectory directory;
     for (const std::string element :
-         {R"(<Limits maxRequestSize="10"/>)", R"(<Limits maxResponseSize="4294967295"/>)",
-          R"(<Limits maxConnections="0"/>)", R"(<Limits maxConnectionsPerProcess="1"/>)", R"(<Timeouts call="0"/>)",
-          R"(<Timeouts call="25h"/>)", R"(<Services><Service security="true"/></Services>)"})
+         {R"(<Limits maxRequestSize="524287"/>)", R"(<Limits maxResponseSize="4294967295"/>)",
+          R"(<Limits maxResponseSize="131072"/>)", R"(<Limits maxConnections="3"/>)",
+          R"(<Limits maxConnectionsPerProcess="1"/>)", R"(<Timeouts call="0"/>)", R"(<Timeouts call="25h"/>)",
+          R"(<Services><Service security="true"/></Services>)"})
     {
         EXPECT_THROW(RscManagerOptions::Load(
                          directory.Write("Rsc.settings", "<RscSettingsDocument>" + element + "</RscSettingsDocument>")),

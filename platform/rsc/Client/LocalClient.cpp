@@ -68,10 +68,7 @@ std::unique_ptr<IRscTransaction> LocalClient::BeginTransaction(const RscCall& ca
 
 RscException LocalClient::MakeFailure(const RscCall& call) const
 {
-    return RscException(
-        "Call of operation '{0}' of service '{1}' in process '{2}' failed: the service is not published "
-        "any more",
-        call.operation.name, call.serviceName, caller->processName);
+    return MakeCallFailure(call, caller->processName, "the service is not published any more");
 }
 
 } // namespace Vela::System::Rsc

@@ -101,8 +101,7 @@ RscException ProcessTransaction::MakeMalformedResponse(const String& why) const
 
 RscException ProcessTransaction::MakeFailure(const String& why) const
 {
-    return RscException("Call of operation '{0}' of service '{1}' in process '{2}' failed: {3}", call.operation.name,
-                        call.serviceName, client->GetProcessName(), why);
+    return MakeCallFailure(call, client->GetProcessName(), why);
 }
 
 String ProcessTransaction::Describe(const Failure& failure) const

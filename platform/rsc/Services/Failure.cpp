@@ -1,6 +1,7 @@
 #include "Services/Failure.hpp"
 
 #include <Vela/Exceptions.hpp>
+#include <Vela/System/Rsc/RscClient.hpp>
 
 #include <algorithm>
 
@@ -23,6 +24,12 @@ String ReadText(RemotingReader& reader)
 }
 
 } // namespace
+
+RscException MakeCallFailure(const RscCall& call, const String& process, const String& why)
+{
+    return RscException("Call of operation '{0}' of service '{1}' in process '{2}' failed: {3}", call.operation.name,
+                        call.serviceName, process, why);
+}
 
 void WriteFailure(RemotingWriter& writer, RscErrorCode code, const CaughtException& exception)
 {

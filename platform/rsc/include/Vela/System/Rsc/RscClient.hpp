@@ -23,6 +23,9 @@ struct RscCall
     OperationInfo operation;
 };
 
+/// What a call that failed on its way throws: names operation, service and process.
+[[nodiscard]] VELA_RSC_API RscException MakeCallFailure(const RscCall& call, const String& process, const String& why);
+
 /// The exchange of one call over a connection: request out, response in. Ends with the object; a connection on which
 /// the exchange was cut short is closed.
 class VELA_RSC_API IRscTransaction

@@ -80,7 +80,14 @@ private:
     {
         const auto transaction = binding.client->BeginTransaction(call);
         [[maybe_unused]] RemotingWriter& writer = transaction->BeginServiceInvocationRequest();
-        (WriteInArgument<Traits::template isOut<Index>>(writer, args), ...);
+        try
+        {
+            (WriteInArgument<Traits::template isOut<Index>>(writer, args), ...);
+        }
+        catch (const RscException& exception)
+        {
+            throw MakeCallFailure(call, GetProcessName(), exception.GetMessage());
+        }
         transaction->EndServiceInvocationRequest();
 
         [[maybe_unused]] RemotingReader& reader = transaction->BeginServiceInvocationResponse();
