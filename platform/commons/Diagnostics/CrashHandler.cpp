@@ -163,8 +163,8 @@ void Report(int signal, const siginfo_t& info, void* context) noexcept
 {
     PlainWriter writer;
     const int record = OpenRecord(writer);
-    writer.AddTarget(STDERR_FILENO);
     writer.AddTarget(record);
+    writer.AddTarget(STDERR_FILENO);
     writer.Text("reason: crash").EndLine();
     writer.Text("time: ").Time(GetTime()).EndLine();
     writer.Text("process: ").Text(state.process.data(), state.process.size()).EndLine();

@@ -11,7 +11,6 @@
 #include <syslog.h>
 #include <unistd.h>
 
-#include <climits>
 #include <cstdio>
 #include <string_view>
 #include <utility>
@@ -27,7 +26,7 @@ constexpr int patience = 1000;
 bool AwaitWritable(int descriptor, int milliseconds)
 {
     pollfd writable{descriptor, POLLOUT, 0};
-    return ::poll(&writable, 1, milliseconds) != 0;
+    return RetryInterrupted([&] { return ::poll(&writable, 1, milliseconds); }) != 0;
 }
 
 /// One write as a rule; the rest of a line follows when the system took only a part.
@@ -47,14 +46,15 @@ void WriteAll(int descriptor, std::string_view text)
     }
 }
 
-/// Room for a part of a line is no room for all of it, and the write would wait for the rest however long that takes.
-/// A description of our own does not, and leaves that which others share as it is. Invalid when none is needed.
-UniqueFd OpenForLongLine(std::size_t size)
+/// A pipe that has room may have too little of it, or another process may take it first, and the write would wait
+/// however long that takes. A description of our own does not, and leaves that which others share as it is; nor does it
+/// stay, so that the reader's end comes with the last of the shared ones. Invalid when none is needed.
+UniqueFd OpenWithoutWaiting()
 {
     struct stat status
     {
     };
-    const bool mayWait = size > PIPE_BUF && ::fstat(STDOUT_FILENO, &status) == 0 && S_ISFIFO(status.st_mode);
+    const bool mayWait = ::fstat(STDOUT_FILENO, &status) == 0 && S_ISFIFO(status.st_mode);
     return UniqueFd(mayWait ? ::open("/proc/self/fd/1", O_WRONLY | O_NONBLOCK | O_CLOEXEC) : -1);
 }
 
@@ -92,7 +92,7 @@ void StandardOutputSink::WriteText(const String& text) const
     {
         throw Exception("Nobody reads the standard output");
     }
-    const UniqueFd own = OpenForLongLine(text.size());
+    const UniqueFd own = OpenWithoutWaiting();
     WriteAll(own.IsValid() ? own.Get() : STDOUT_FILENO, text);
 }
 

@@ -1,4 +1,5 @@
 #include <Diagnostics/PlainWriter.hpp>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -100,7 +101,14 @@ void PlainWriter::EndLine() noexcept
     line[length++] = '\n';
     for (std::size_t index = 0; index < targetCount; ++index)
     {
-        for (std::size_t written = 0; written < length;)
+        // Who does not read keeps nobody waiting for more than one line.
+        constexpr int patience = 200;
+        pollfd writable{targets[index], POLLOUT, 0};
+        if (targets[index] >= 0 && ::poll(&writable, 1, patience) == 0)
+        {
+            targets[index] = -1;
+        }
+        for (std::size_t written = 0; targets[index] >= 0 && written < length;)
         {
             const auto count = ::write(targets[index], line.data() + written, length - written);
             if (count == 0 || (count < 0 && errno != EINTR))

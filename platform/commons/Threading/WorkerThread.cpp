@@ -2,6 +2,7 @@
 
 #include <Threading/Deadline.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace Vela::System::Commons::Threading
@@ -10,7 +11,7 @@ namespace Vela::System::Commons::Threading
 WorkerThread::WorkerThread(String threadName, std::function<void()> workFunction, std::chrono::milliseconds idle)
     : name(std::move(threadName))
     , function(std::move(workFunction))
-    , idleTime(idle)
+    , idleTime(std::max(idle, std::chrono::milliseconds(1)))
 {
 }
 

@@ -214,6 +214,16 @@ int LogLongLines(const Arguments& arguments)
     return 0;
 }
 
+void FillPipe(int end)
+{
+    const std::vector<char> filler(1024, 'x');
+    ::fcntl(end, F_SETFL, O_NONBLOCK);
+    while (::write(end, filler.data(), filler.size()) > 0)
+    {
+    }
+    ::fcntl(end, F_SETFL, 0);
+}
+
 /// Closes the reading end of its own standard output, logs, and says on standard error that it lives.
 int LogIntoClosedPipe(const Arguments&)
 {
@@ -226,12 +236,7 @@ int LogIntoClosedPipe(const Arguments&)
     LogManager::CreateInstance(LogLevel::Info);
     // More than the pipe holds.
     Logger::Get("Pipe").Info("{0}", std::string(100'000, 'x'));
-    std::vector<char> filler(1024, 'x');
-    ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
-    while (::write(ends[1], filler.data(), filler.size()) > 0)
-    {
-    }
-    ::fcntl(ends[1], F_SETFL, 0);
+    FillPipe(ends[1]);
     for (int number = 0; number < 5; ++number)
     {
         Logger::Get("Pipe").Info("nobody reads this {0}", number);
@@ -267,7 +272,13 @@ void Crash(const std::string& way)
         int ends[2] = {-1, -1};
         static_cast<void>(::pipe(ends) == 0 && ::dup2(ends[1], STDERR_FILENO) >= 0 && ::close(ends[0]) == 0);
     }
-    if (way == "null" || way == "crowd" || way == "unheard")
+    if (way == "stuck")
+    {
+        int ends[2] = {-1, -1};
+        static_cast<void>(::pipe(ends) == 0 && ::dup2(ends[1], STDERR_FILENO) >= 0);
+        FillPipe(STDERR_FILENO);
+    }
+    if (way == "null" || way == "crowd" || way == "unheard" || way == "stuck")
     {
         *static_cast<volatile int*>(nullptr) = 1;
     }
