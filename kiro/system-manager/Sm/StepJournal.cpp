@@ -6,6 +6,16 @@ namespace Vela::System::Kiro::Internal::Sm
 class StepJournal::Entry
 {
 public:
+    [[nodiscard]] Step Get(Clock::time_point now) const
+    {
+        Step copy = step;
+        copy.outcome = outcome.load(std::memory_order_acquire);
+        copy.end = copy.outcome == Outcome::Running
+                       ? now
+                       : Clock::time_point(Clock::duration(end.load(std::memory_order_relaxed)));
+        return copy;
+    }
+
     Step step;
     std::atomic<Outcome> outcome{Outcome::Running};
     /// Written before the outcome says so.
@@ -41,6 +51,8 @@ StepJournal::Entry* StepJournal::Begin(const char* step, const char* subject, co
 {
     try
     {
+        const Step begun{phase.load(std::memory_order_relaxed), step, subject, Intern(name, lastName),
+                         Intern(process, lastProcess),          now,  {}};
         const std::size_t index = count.load(std::memory_order_relaxed);
         if (index < chunkSize * maximumChunks)
         {
@@ -50,18 +62,27 @@ StepJournal::Entry* StepJournal::Begin(const char* step, const char* subject, co
                 chunk = std::make_unique<Chunk>();
             }
             Entry& entry = (*chunk)[index % chunkSize];
-            entry.step = {phase.load(std::memory_order_relaxed), step, subject, Intern(name, lastName),
-                          Intern(process, lastProcess),          now,  {}};
+            entry.step = begun;
             count.store(index + 1, std::memory_order_release);
             return &entry;
         }
+        const std::lock_guard lock(latestMutex);
+        auto& entry = latest[{subject, begun.name}];
+        if (!entry)
+        {
+            entry = std::make_unique<Entry>();
+        }
+        entry->step = begun;
+        entry->outcome = Outcome::Running;
+        dropped.fetch_add(1, std::memory_order_relaxed);
+        return entry.get();
     }
     catch (const std::bad_alloc&)
     {
         // The step itself matters more than its time.
+        dropped.fetch_add(1, std::memory_order_relaxed);
+        return nullptr;
     }
-    dropped.fetch_add(1, std::memory_order_relaxed);
-    return nullptr;
 }
 
 void StepJournal::End(Entry* entry, Outcome outcome) noexcept
@@ -102,12 +123,22 @@ std::vector<StepJournal::Step> StepJournal::Read() const
     steps.reserve(size);
     for (std::size_t i = 0; i < size; ++i)
     {
-        const Entry& entry = (*chunks[i / chunkSize])[i % chunkSize];
-        Step& step = steps.emplace_back(entry.step);
-        step.outcome = entry.outcome.load(std::memory_order_acquire);
-        step.end = step.outcome == Outcome::Running
-                       ? now
-                       : Clock::time_point(Clock::duration(entry.end.load(std::memory_order_relaxed)));
+        steps.push_back((*chunks[i / chunkSize])[i % chunkSize].Get(now));
+    }
+    return steps;
+}
+
+std::vector<StepJournal::Step> StepJournal::ReadToLatest() const
+{
+    std::vector<Step> steps = Read();
+    const std::lock_guard lock(latestMutex);
+    const auto now = Clock::now();
+    for (const auto& [key, entry] : latest)
+    {
+        if (entry)
+        {
+            steps.push_back(entry->Get(now));
+        }
     }
     return steps;
 }

@@ -11,7 +11,9 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace Vela::System::Kiro::Internal::Sm
@@ -19,8 +21,9 @@ namespace Vela::System::Kiro::Internal::Sm
 
 /// When each step of the system began and ended, by the monotonic clock, and how each component failed last.
 ///
-/// One thread at a time writes: whoever walks over the components. Readers come from any thread and never make it wait:
-/// entries are only appended, and stand still but for their end. The memory is bounded; what no longer fits is counted.
+/// One thread at a time writes: whoever walks over the components. Readers come from any thread and do not make it
+/// wait: entries are only appended, and stand still but for their end. The memory is bounded: what no longer fits is
+/// counted, and only the latest step of each component, process and library is known besides.
 class StepJournal
 {
 public:
@@ -73,7 +76,7 @@ public:
 
     /// A new phase; ends the last one. Null: no phase follows.
     void BeginPhase(const char* phase) noexcept;
-    /// Null when the journal is full, which End takes as well.
+    /// Null when there is no memory, which End takes as well.
     Entry* Begin(const char* step, const char* subject, const String& name, const String& process,
                  Clock::time_point now = Clock::now()) noexcept;
     void End(Entry* entry, Outcome outcome) noexcept;
@@ -81,6 +84,8 @@ public:
     void NoteFailure(const char* step, const String& component, const String& process, const String& text) noexcept;
 
     [[nodiscard]] std::vector<Step> Read() const;
+    /// The same, and behind it the latest step of each that had one after the journal was full.
+    [[nodiscard]] std::vector<Step> ReadToLatest() const;
     [[nodiscard]] Failures GetFailures() const;
     /// The phase that runs; null between phases.
     [[nodiscard]] const char* GetPhase() const noexcept;
@@ -101,6 +106,9 @@ private:
     /// Entries below it are complete but for their end; with release and acquire.
     std::atomic<std::size_t> count{0};
     std::atomic<std::size_t> dropped{0};
+    /// Those that did not fit, by subject and name. What is in them changes under the mutex, but for their ends.
+    std::map<std::pair<std::string_view, const String*>, std::unique_ptr<Entry>> latest;
+    mutable std::mutex latestMutex;
     std::atomic<const char*> phase{nullptr};
     Entry* phaseEntry = nullptr;
     /// Nodes stay where they are, and only the writer looks for one.

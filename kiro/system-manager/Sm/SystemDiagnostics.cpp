@@ -84,10 +84,7 @@ void SystemDiagnostics::PublishProcesses(const Data::ProcessTable& processes)
         status.name = processName;
         status.isMain = processName == name;
         status.processId = status.isMain ? ::getpid() : process->process.GetId();
-        status.state = process->isExternal              ? "external"
-                       : process->processManagerService ? "connected"
-                       : status.processId == 0          ? "ended"
-                                                        : "starting";
+        status.state = process->isExternal ? "external" : process->processManagerService ? "connected" : "starting";
     }
     std::shared_ptr<const ProcessList> next = std::make_shared<ProcessList>(std::move(list));
     const std::lock_guard lock(mutex);
@@ -211,7 +208,7 @@ SystemStatus SystemDiagnostics::GetStatus() const
     {
         status.failure = Describe(*found->second);
     }
-    for (const auto& step : journal.Read())
+    for (const auto& step : journal.ReadToLatest())
     {
         if (step.outcome == Outcome::Running)
         {
@@ -270,7 +267,7 @@ std::vector<ComponentStatus> SystemDiagnostics::GetComponents() const
     {
         byName.emplace(component.name, &component);
     }
-    for (const auto& step : journal.Read())
+    for (const auto& step : journal.ReadToLatest())
     {
         const auto found = byName.find(*step.name);
         if (step.subject != componentSubject || found == byName.end())
@@ -289,7 +286,8 @@ std::vector<ComponentStatus> SystemDiagnostics::GetComponents() const
         }
         else if (step.outcome == Outcome::Failed)
         {
-            component.state = "failed";
+            // A power-down changes no state, neither does one that fails.
+            component.state = component.step == "PowerDownComponent" ? component.state : "failed";
         }
         else if (after != std::end(statesAfterSteps))
         {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string_view>
 #include <thread>
 
@@ -80,4 +81,20 @@ TEST(StepJournal, IsReadWhileItIsWrittenUntilItIsFull)
     writer.join();
     EXPECT_EQ(journal.Read().size(), capacity);
     EXPECT_EQ(journal.GetDropped(), 100U);
+
+    // The last step of each is known, all the same.
+    auto* const running = journal.Begin("Stop", "component", "7", "Plant");
+    const auto steps = journal.ReadToLatest();
+    ASSERT_EQ(steps.size(), capacity + 50U);
+    for (std::size_t i = capacity; i < steps.size(); ++i)
+    {
+        const bool isRunning = *steps[i].name == "7";
+        EXPECT_STREQ(steps[i].step, isRunning ? "Stop" : "Start");
+        EXPECT_EQ(steps[i].outcome, isRunning ? Outcome::Running : Outcome::Done);
+    }
+    journal.End(running, Outcome::Failed);
+    EXPECT_EQ(
+        std::count_if(steps.begin(), steps.end(), [](const auto& step) { return step.outcome == Outcome::Running; }),
+        1);
+    EXPECT_EQ(journal.GetDropped(), 101U);
 }
