@@ -134,6 +134,7 @@ TEST_F(CrashTest, AProcessThatDiesOnTheWayDownLeavesOneRecordAndAnExitCode)
     EXPECT_EQ(record["reason"], "not taken down in order");
     EXPECT_EQ(record["phase"], "Stopping the processes");
     EXPECT_NE(record["processes"].find("]: exit code 7"), std::string::npos) << record["processes"];
+    EXPECT_TRUE(main.HasOutput("Process 'Left' ended: exit code 7."));
 }
 
 TEST_F(CrashTest, AChildThatCannotBeSetUpBeginsTheRecordThatTheMainProcessEnds)

@@ -120,7 +120,7 @@ void ProcessesController::GiveUpStarting() noexcept
 bool ProcessesController::ConnectAll(const TimeoutWatch& watch, const ProgressFunction& onProgress)
 {
     std::size_t reached = 0;
-    while (!watch.HasTimeout())
+    for (bool isOver = watch.HasTimeout(); !isOver;)
     {
         bool hasFailed = false;
         ProcessData* firstMissing = nullptr;
@@ -153,8 +153,11 @@ bool ProcessesController::ConnectAll(const TimeoutWatch& watch, const ProgressFu
         {
             return true;
         }
-        // The pause ends as soon as the process is reachable or a child has exited.
-        Connect(*firstMissing, std::min(longestPause, watch.GetRemaining()), GetExitDescriptors());
+        // The pause ends as soon as the process is reachable or a child has exited. Who is reached as the time ends may
+        // have been the last one.
+        const bool hasConnected =
+            Connect(*firstMissing, std::min(longestPause, watch.GetRemaining()), GetExitDescriptors());
+        isOver = !hasConnected && watch.HasTimeout();
     }
     return false;
 }
@@ -256,9 +259,9 @@ void ProcessesController::StopProcesses()
 
     for (const auto& [name, process] : processes)
     {
-        if (process->process.IsStarted() && !process->process.HasExited())
+        if (process->process.IsStarted())
         {
-            log.Warning("Process '{0}' has not ended in time and is killed.", name);
+            ReportEnd(*process);
         }
         process->process.Kill();
     }
@@ -285,6 +288,20 @@ void ProcessesController::RequestShutdownOf(const ProcessData& process) noexcept
 void ProcessesController::LogShutdownFailure(const String& processName) const noexcept
 {
     log.Error("Process '{0}' could not be asked to end: {1}", processName, CaughtException::Current().GetText());
+}
+
+void ProcessesController::ReportEnd(const ProcessData& process)
+{
+    if (!process.process.HasExited())
+    {
+        log.Warning("Process '{0}' has not ended in time and is killed.", process.name);
+        return;
+    }
+    const auto exit = process.process.GetExit();
+    if (exit.bySignal || exit.code != 0)
+    {
+        log.Warning("Process '{0}' ended: {1}.", process.name, exit.ToString());
+    }
 }
 
 void ProcessesController::AwaitExits(const TimeoutWatch& watch) const

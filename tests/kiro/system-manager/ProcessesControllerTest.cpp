@@ -71,6 +71,11 @@ protected:
         {
             return found->second;
         }
+        if (limit > 0ms && name == lateProcess)
+        {
+            poll(nullptr, 0, static_cast<int>(limit.count()));
+            return services[name] = std::make_shared<FakeProcess>(name, journal);
+        }
         if (limit > 0ms)
         {
             std::vector<pollfd> events;
@@ -119,6 +124,8 @@ protected:
     FakeHost host;
     SlowCallWatcher slowCalls{0ms};
     std::map<std::string, std::shared_ptr<FakeProcess>> services;
+    /// Answers as soon as the time for it is over.
+    std::string lateProcess;
     std::list<Config::Process> configured;
     Data::ProcessTable processes;
     std::unique_ptr<Settings::KiroSettings> settings;
@@ -232,7 +239,8 @@ TEST_F(ProcessesControllerTest, StartsChildrenConnectsToAllAndStopsThem)
     EXPECT_TRUE(processes["B"]->process.HasExited());
     EXPECT_THAT(controller->GetServices(), IsEmpty());
     EXPECT_EQ(processes["A"]->processManagerService, nullptr);
-    EXPECT_THAT(log.GetLines("Warning"), IsEmpty());
+    EXPECT_THAT(log.GetLines("Warning"), ElementsAre("Warning: Process 'A' ended: signal 9 (Killed).",
+                                                     "Warning: Process 'B' ended: signal 9 (Killed)."));
     controller->StopProcesses();
     EXPECT_THAT(journal.Take(), IsEmpty());
 }
@@ -307,6 +315,19 @@ TEST_F(ProcessesControllerTest, ReportsEveryProcessThatIsNotReachableInTime)
                 ElementsAre("Error: Could not start process 'A'.", "Error: Could not start process 'Main'."));
     controller->StopProcesses();
     EXPECT_TRUE(processes["A"]->process.HasExited());
+}
+
+TEST_F(ProcessesControllerTest, TakesAProcessThatIsReachedAsTheTimeEnds)
+{
+    SetTimes("startWaitTime='500ms' stopWaitTime='0'");
+    AddShell("A", "exec sleep 1000");
+    Configure();
+    AddService("Main");
+    lateProcess = "A";
+    controller->StartProcesses();
+    EXPECT_THAT(log.GetLines("Error"), IsEmpty());
+    EXPECT_EQ(controller->GetServices().size(), 2U);
+    controller->StopProcesses();
 }
 
 TEST_F(ProcessesControllerTest, NamesTheProcessWhoseExecutableIsMissing)
