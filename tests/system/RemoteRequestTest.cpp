@@ -97,6 +97,12 @@ TEST_F(RemoteRequestTest, ACallThatNeverReturnsDoesNotKeepItsProcess)
         main.Signal(SIGTERM);
         EXPECT_EQ(main.AwaitEnd(), code) << main.GetOutput();
         caller.join();
+        const std::string record = system.TakeCrashRecord();
+        EXPECT_EQ(record == "no record", code == 0) << record;
+        EXPECT_EQ(record.starts_with("reason: not taken down in order\n") &&
+                      record.find("\nerror: A remote call is still running in this process.\n") != std::string::npos,
+                  code == 1)
+            << record;
         EXPECT_EQ(system.FindLeftovers(), "Operator.socket ");
         EXPECT_TRUE(main.HasOutput("Warning")) << main.GetOutput();
     }

@@ -202,7 +202,14 @@ void ApplicationBase::DisposeSystemManager()
         {
             data->supervision->SetExamination({});
         }
-        steps.Run([] { Singleton<Sm::SystemManager>::DisposeInstance(); });
+        if (systemManager->IsInUse())
+        {
+            data->hasRunningCalls = true;
+        }
+        else
+        {
+            steps.Run([] { Singleton<Sm::SystemManager>::DisposeInstance(); });
+        }
         steps.ThrowFirstFailure();
     }
 }
@@ -228,7 +235,12 @@ void ApplicationBase::DisposeRemoting()
     if (!Rsc::RscManager::DisposeInstance())
     {
         data->hasRunningCalls = true;
-        throw Exception("A remote call is still running in this process.");
+        const Exception failure("A remote call is still running in this process.");
+        if (data->supervision)
+        {
+            data->failureRecord.Write(GetName(), "not taken down in order", failure.GetMessage(), {}, {});
+        }
+        throw failure;
     }
 }
 

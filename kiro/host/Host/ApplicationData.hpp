@@ -78,7 +78,7 @@ struct ApplicationData
     /// Of the main process alone.
     std::unique_ptr<Supervision> supervision;
     SystemRoles roles;
-    /// A call of another process has outlasted remoting: what it may use must stay to the end of the process.
+    /// A call of another process goes on: what it may use must stay to the end of the process.
     bool hasRunningCalls = false;
 
 private:

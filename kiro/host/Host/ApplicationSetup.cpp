@@ -5,6 +5,7 @@
 #include <Settings/KiroSettingsLoader.hpp>
 #include <Vela/AppDomain.hpp>
 #include <Vela/AppDomainSingleton.hpp>
+#include <Vela/Exceptions.hpp>
 #include <Vela/Singleton.hpp>
 #include <Vela/System/Commons/Diagnostics/LogManager.hpp>
 #include <Vela/System/Commons/Environment.hpp>
@@ -32,6 +33,19 @@ namespace
 
 /// The core of a process that is not bound.
 constexpr std::int32_t allProcessors = -1;
+
+/// Its path, or why it has none: it may have been removed.
+String DescribeCurrentDirectory()
+{
+    try
+    {
+        return Commons::Io::Directory::GetCurrent();
+    }
+    catch (const Exception& exception)
+    {
+        return exception.GetMessage();
+    }
+}
 
 } // namespace
 
@@ -72,7 +86,7 @@ void ApplicationBase::SetupBase(LogLevel logLevel, const char* settingsPath)
     }
     log.Info("VelaVersion: {0}", VelaVersion::GetCurrent().ToString());
     log.Debug("Starting application '{0}' in current directory:", GetName());
-    log.Debug("{0}", Commons::Io::Directory::GetCurrent());
+    log.Debug("{0}", DescribeCurrentDirectory());
     if (data->areSettingsEnabled && !data->settingsPath.empty())
     {
         log.Debug("Load Kiro settings from: {0}", data->settingsPath);

@@ -63,12 +63,15 @@ void SystemManager::UnpublishServices()
     {
         return Rsc::ServiceManager::UnpublishService(factory.GetName(), factory.GetInterfaceName());
     };
+    // Until each is known to have drained: one that is not even asked may have calls as well.
+    isInUse = true;
     const bool isPublicDrained = unpublish(Services::SystemManagerServiceFactory::GetInstance());
     const bool isInternalDrained = unpublish(Services::Internal::SystemManagerServiceFactory::GetInstance());
     const bool isDiagnosticsDrained = unpublish(Services::Internal::SystemDiagnosticsServiceFactory::GetInstance());
-    if (!isPublicDrained || !isInternalDrained || !isDiagnosticsDrained)
+    isInUse = !isPublicDrained || !isInternalDrained || !isDiagnosticsDrained;
+    if (isInUse)
     {
-        log.Warning("A call of a system manager service is still in progress.");
+        throw Exception("A call of a system manager service is still in progress.");
     }
 }
 
@@ -154,6 +157,7 @@ void SystemManager::BringUp()
     }
     PublishSnapshot();
     diagnostics.SetState("running", hasError);
+    isRunning = true;
     notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
     stateFlag = false;
     ReportRunning(hasError);
@@ -192,22 +196,21 @@ bool SystemManager::Dispose()
         }
     };
     auto& journal = diagnostics.GetJournal();
-    const bool wasRunning = diagnostics.GetStatus().state == "running";
-    diagnostics.SetState("stopping");
-    EnterPhase("stop", "Stopping the components");
+    guard([this] { diagnostics.SetState("stopping"); });
+    guard([this] { EnterPhase("stop", "Stopping the components"); });
     guard([this] { componentsController.StopComponents(); });
-    EnterPhase("reset-config", "Taking down the components");
+    guard([this] { EnterPhase("reset-config", "Taking down the components"); });
     guard([this] { componentsController.ResetComponentsConfig(); });
     journal.BeginPhase("dispose");
     guard([this] { componentsController.DisposeComponents(); });
     journal.BeginPhase("destroy");
     guard([this] { componentsController.DestroyComponents(); });
-    EnterPhase("stop-processes", "Stopping the processes");
+    guard([this] { EnterPhase("stop-processes", "Stopping the processes"); });
     guard([this] { processesController.StopProcesses(); });
     guard([this] { PublishSnapshot(); });
     guard([this] { UnpublishServices(); });
     guard([] { AppDomainSingleton<Rsc::RscManager>::GetInstance().CloseAllClients(false); });
-    if (!isOrderly && wasRunning)
+    if (!isOrderly && isRunning)
     {
         host.RecordFailure("not taken down in order", DescribeProcesses());
     }

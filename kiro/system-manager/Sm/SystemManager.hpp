@@ -54,6 +54,11 @@ public:
     /// Takes all components down, ends the child processes, unpublishes the services and closes remoting's clients. A
     /// failing step is reported and the others still run; false when there was one. The second call does nothing.
     bool Dispose();
+    /// Whether a call of its services has outlasted Dispose: then this object must stay to the end of the process.
+    [[nodiscard]] bool IsInUse() const noexcept
+    {
+        return isInUse;
+    }
 
     /// Runs the power-down phase on the calling thread; changes no other state.
     /// @throws InvalidOperationException during set-up, shutdown or another power-down
@@ -110,6 +115,9 @@ private:
     bool stateFlag = false;
     bool areServicesPublished = false;
     bool isDisposed = false;
+    /// The set-up has succeeded: what fails from now on fails on the way down.
+    bool isRunning = false;
+    bool isInUse = false;
     SystemManagerNotifications notifications;
     std::unique_ptr<Security::KiroSecurityNotifications> securityNotifications;
 };

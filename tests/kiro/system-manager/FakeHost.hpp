@@ -3,6 +3,7 @@
 #include <Sm/ISystemManagerHost.hpp>
 #include <Vela/System/Kiro/Services/ComponentInfo.hpp>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ public:
     std::string executablePath;
     std::vector<System::Kiro::Services::ComponentInfo> defaultComponents;
     std::vector<String> records;
+    /// Called when the default components are asked for.
+    std::function<void()> onQuery;
     int shutdownRequests = 0;
     bool isAffinityOriginal = false;
 
@@ -60,6 +63,10 @@ public:
 
     std::vector<System::Kiro::Services::ComponentInfo> GetDefaultComponentInfos() const override
     {
+        if (onQuery)
+        {
+            onQuery();
+        }
         return defaultComponents;
     }
 

@@ -23,6 +23,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <thread>
 
@@ -258,6 +259,30 @@ TEST_F(SystemManagerTest, AnswersQueriesDuringAWalkFromTheLastPhaseAndRefusesPow
     observer.join();
     EXPECT_EQ(refusals.size(), 3U);
     EXPECT_THAT(refusals, testing::Each(testing::StartsWith("Power down is refused")));
+}
+
+TEST_F(SystemManagerTest, StaysWhileACallOfItsServicesGoesOn)
+{
+    auto& manager = Create();
+    manager.SetupSystem();
+    std::promise<void> begun;
+    std::promise<void> mayEnd;
+    host.onQuery = [&]
+    {
+        begun.set_value();
+        mayEnd.get_future().wait();
+    };
+    const auto service =
+        Rsc::ServiceManager::GetService(Kiro::Services::SystemManagerServiceProxyFactory::GetInstance());
+    auto call = std::async(std::launch::async, [&] { return service->GetComponentInfos().size(); });
+    begun.get_future().wait();
+    EXPECT_FALSE(manager.Dispose());
+    EXPECT_TRUE(manager.IsInUse());
+    EXPECT_THAT(log.GetLines("Error"),
+                ElementsAre("Error: Exception occurs while shutting down the system: Exception: A call of a system "
+                            "manager service is still in progress."));
+    mayEnd.set_value();
+    EXPECT_EQ(call.get(), 3U) << "what it began with";
 }
 
 TEST_F(SystemManagerTest, ServesItsTwoServices)
