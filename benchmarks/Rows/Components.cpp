@@ -76,7 +76,7 @@ public:
                     return lives[count].back().up;
                 });
         }
-        calls = SampleInTurns("components", effort.Choose(5, 1), samplers)[0];
+        calls = SampleInTurns("components", effort.Choose(11, 1), samplers)[0];
     }
 
     /// A figure of each round.

@@ -54,7 +54,9 @@ std::vector<Row> MeasureIdle(Effort effort)
         }
         return wakeUps;
     };
-    const double seconds = effort.Choose(15, 1);
+    // Until the watch over slow steps, which goes on for a while without one, has gone to sleep for good.
+    std::this_thread::sleep_for(std::chrono::seconds(effort.Choose(12, 0)));
+    const double seconds = effort.Choose(60, 1);
     const auto start = Clock::now();
     const double before = countWakeUps();
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
