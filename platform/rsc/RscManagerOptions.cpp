@@ -55,10 +55,10 @@ public:
             }
             else if (name == "Timeouts")
             {
-                ReadTime(reader, "call", options.callTimeout);
-                ReadTime(reader, "connect", options.connectTimeout);
-                ReadTime(reader, "close", options.closeTimeout);
-                ReadTime(reader, "frame", options.frameTimeout);
+                ReadTime(reader, "call", minCallTimeout, options.callTimeout);
+                ReadTime(reader, "connect", 1ms, options.connectTimeout);
+                ReadTime(reader, "close", 1ms, options.closeTimeout);
+                ReadTime(reader, "frame", 1ms, options.frameTimeout);
             }
             else if (name == "Services")
             {
@@ -83,6 +83,8 @@ private:
     static constexpr std::uint32_t minMessageSize = 1U << 19U;
     /// The main process alone needs two of them, and whoever asks the process something one more.
     static constexpr std::uint32_t minConnections = 4;
+    /// Notifications are fetched again after half of it.
+    static constexpr std::chrono::milliseconds minCallTimeout{100};
 
     static void ReadSize(XmlReader& reader, const char* attribute, std::uint32_t min, std::size_t& size)
     {
@@ -99,17 +101,18 @@ private:
         size = value;
     }
 
-    static void ReadTime(XmlReader& reader, const char* attribute, std::chrono::milliseconds& time)
+    static void ReadTime(XmlReader& reader, const char* attribute, std::chrono::milliseconds min,
+                         std::chrono::milliseconds& time)
     {
         Commons::Chrono::Duration value;
         if (!reader.TryGetAttributeValue(attribute, value))
         {
             return;
         }
-        if (value.GetMilliseconds() < 1ms || value.GetMilliseconds() > 24h)
+        if (value.GetMilliseconds() < min || value.GetMilliseconds() > 24h)
         {
             reader.Raise(FindingCode::InvalidValue,
-                         reader.Error("Attribute '{}' must be between 1 ms and 24 h.", attribute));
+                         reader.Error("Attribute '{}' must be between {} ms and 24 h.", attribute, min.count()));
         }
         time = value.GetMilliseconds();
     }

@@ -43,7 +43,7 @@ TEST(RscManagerOptions, RefuseValuesThatCannotWork)
     for (const std::string element :
          {R"(<Limits maxRequestSize="524287"/>)", R"(<Limits maxResponseSize="4294967295"/>)",
           R"(<Limits maxResponseSize="131072"/>)", R"(<Limits maxConnections="3"/>)",
-          R"(<Limits maxConnectionsPerProcess="1"/>)", R"(<Timeouts call="0"/>)", R"(<Timeouts call="25h"/>)",
+          R"(<Limits maxConnectionsPerProcess="1"/>)", R"(<Timeouts call="99ms"/>)", R"(<Timeouts call="25h"/>)",
           R"(<Services><Service security="true"/></Services>)"})
     {
         EXPECT_THROW(RscManagerOptions::Load(

@@ -99,9 +99,12 @@ TEST_F(SecuredService, DoesNotLetTheRefusedFillTheLog)
         EXPECT_THROW(service->Add(1, 2), RscException);
     }
     EXPECT_EQ(log.Count("Refused operation 'Add'"), 20U);
+    EXPECT_THROW(service->Fail("platform"), RscException);
+    EXPECT_EQ(log.Count("Refused operation 'Fail'"), 1U) << "it hides nothing else";
     RscManager::DisposeInstance();
-    EXPECT_TRUE(log.Contains(
-        fmt::format("30 more warnings about refused operations of process {} were left out.", ::getpid())));
+    EXPECT_TRUE(log.Contains(fmt::format("30 more warnings about operation 'Add' of service "
+                                         "'Vela.Testing.ITestService' of process {} were left out.",
+                                         ::getpid())));
 }
 
 TEST_F(SecuredService, AuthorisesTheCallerAndNotWhoeverIsBehindIt)

@@ -19,6 +19,7 @@
 #include <Vela/System/Rsc/RscManager.hpp>
 
 #include <cstdio>
+#include <utility>
 
 namespace Vela::System::Kiro::Internal
 {
@@ -234,9 +235,9 @@ void ApplicationBase::DisposeRemoting()
 {
     if (!Rsc::RscManager::DisposeInstance())
     {
-        data->hasRunningCalls = true;
         const Exception failure("A remote call is still running in this process.");
-        if (data->supervision)
+        const bool isRecorded = std::exchange(data->hasRunningCalls, true);
+        if (data->supervision && !isRecorded)
         {
             data->failureRecord.Write(GetName(), "not taken down in order", failure.GetMessage(), {}, {});
         }

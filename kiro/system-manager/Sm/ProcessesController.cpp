@@ -290,7 +290,7 @@ void ProcessesController::LogShutdownFailure(const String& processName) const no
     log.Error("Process '{0}' could not be asked to end: {1}", processName, CaughtException::Current().GetText());
 }
 
-void ProcessesController::ReportEnd(const ProcessData& process)
+void ProcessesController::ReportEnd(const ProcessData& process) noexcept
 {
     if (!process.process.HasExited())
     {
@@ -298,9 +298,17 @@ void ProcessesController::ReportEnd(const ProcessData& process)
         return;
     }
     const auto exit = process.process.GetExit();
-    if (exit.bySignal || exit.code != 0)
+    try
     {
-        log.Warning("Process '{0}' ended: {1}.", process.name, exit.ToString());
+        if (exit.bySignal || exit.code != 0)
+        {
+            log.Warning("Process '{0}' ended: {1}.", process.name, exit.ToString());
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The others are to be ended all the same.
+        return;
     }
 }
 

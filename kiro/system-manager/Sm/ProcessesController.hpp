@@ -99,7 +99,7 @@ private:
     void RequestShutdownOf(const Data::ProcessData& process) noexcept;
     void LogShutdownFailure(const String& processName) const noexcept;
     void AwaitExits(const Commons::Chrono::TimeoutWatch& watch) const;
-    static void ReportEnd(const Data::ProcessData& process);
+    static void ReportEnd(const Data::ProcessData& process) noexcept;
 
     ISystemManagerHost& host;
     Data::ProcessTable& processes;

@@ -131,6 +131,14 @@ std::vector<StepJournal::Step> StepJournal::Read() const
 std::vector<StepJournal::Step> StepJournal::ReadToLatest() const
 {
     std::vector<Step> steps = Read();
+    const std::vector<Step> others = ReadLatest();
+    steps.insert(steps.end(), others.begin(), others.end());
+    return steps;
+}
+
+std::vector<StepJournal::Step> StepJournal::ReadLatest() const
+{
+    std::vector<Step> steps;
     const std::lock_guard lock(latestMutex);
     const auto now = Clock::now();
     for (const auto& [key, entry] : latest)

@@ -21,9 +21,9 @@ namespace Vela::System::Kiro::Internal::Sm
 
 /// When each step of the system began and ended, by the monotonic clock, and how each component failed last.
 ///
-/// One thread at a time writes: whoever walks over the components. Readers come from any thread and do not make it
-/// wait: entries are only appended, and stand still but for their end. The memory is bounded: what no longer fits is
-/// counted, and only the latest step of each component, process and library is known besides.
+/// One thread at a time writes: whoever walks over the components. Readers come from any thread and do not make it wait
+/// as long as there is room: entries are only appended, and stand still but for their end. The memory is bounded: what
+/// no longer fits is counted, and only the latest step of each component, process and library is known besides.
 class StepJournal
 {
 public:
@@ -97,6 +97,7 @@ public:
 private:
     using Chunk = std::array<Entry, chunkSize>;
 
+    [[nodiscard]] std::vector<Step> ReadLatest() const;
     /// The kept copy of a text. Most steps follow one of the same component.
     const String* Intern(const String& text, const String*& last);
 

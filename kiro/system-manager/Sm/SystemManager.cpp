@@ -117,6 +117,7 @@ void SystemManager::SetupSystem()
     try
     {
         BringUp();
+        isRunning = true;
         diagnostics.GetJournal().BeginPhase(nullptr);
     }
     catch (...)
@@ -157,7 +158,6 @@ void SystemManager::BringUp()
     }
     PublishSnapshot();
     diagnostics.SetState("running", hasError);
-    isRunning = true;
     notifications.SendStateNotification(SystemManagerState::Running, hasError, stateFlag);
     stateFlag = false;
     ReportRunning(hasError);
@@ -212,7 +212,7 @@ bool SystemManager::Dispose()
     guard([] { AppDomainSingleton<Rsc::RscManager>::GetInstance().CloseAllClients(false); });
     if (!isOrderly && isRunning)
     {
-        host.RecordFailure("not taken down in order", DescribeProcesses());
+        guard([this] { host.RecordFailure("not taken down in order", DescribeProcesses()); });
     }
     processes.clear();
     return isOrderly;

@@ -8,7 +8,7 @@ namespace Vela::System::Commons::Diagnostics
 {
 
 /// Puts lines together and writes them to descriptors by nothing but system calls: for signal handlers. What cannot be
-/// written is lost.
+/// written is lost, and who does not take a line for a while gets none any more.
 class PlainWriter
 {
 public:

@@ -20,8 +20,8 @@ ConnectionPeer FindPeer(const RscCaller& caller)
 
 void Audit::LogRefusal(const RscCaller& caller, const String& service, const char* operation)
 {
-    GetRefusals().Warn(FindPeer(caller), fmt::format("Refused operation '{0}' of service '{1}' to {2}.", operation,
-                                                     service, caller.ToString()));
+    const String subject = fmt::format("operation '{0}' of service '{1}'", operation, service);
+    GetRefusals().Warn(FindPeer(caller), subject, fmt::format("Refused {0} to {1}.", subject, caller.ToString()));
 }
 
 void Audit::Finish()
@@ -32,7 +32,7 @@ void Audit::Finish()
 PeerLog& Audit::GetRefusals()
 {
     // Never destroyed: a call may outlast all that is taken down.
-    static auto& refusals = *new PeerLog("refused operations", [](const String& text) { log.Warning("{0}", text); });
+    static auto& refusals = *new PeerLog([](const String& text) { log.Warning("{0}", text); });
     return refusals;
 }
 

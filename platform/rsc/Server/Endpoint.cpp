@@ -155,7 +155,8 @@ void Endpoint::Accept(int listener, Transport transport)
         }
         if (!limit.empty())
         {
-            server->peerLog->Warn(peer, fmt::format("Refused a connection of {}: {}.", peer.ToString(), limit));
+            server->peerLog->Warn(peer, connectionsSubject,
+                                  fmt::format("Refused a connection of {}: {}.", peer.ToString(), limit));
             FrameChannel(std::move(socket), 1ms).SendText(FrameKind::Refusal, 0, "too many connections are open");
             return;
         }
@@ -261,7 +262,7 @@ bool Endpoint::EndOldestHandshake(const ConnectionPeer& peer)
     }
     oldest->second.isGivenUp = true;
     oldest->second.connection->Abort();
-    server->peerLog->Warn(peer,
+    server->peerLog->Warn(peer, connectionsSubject,
                           fmt::format("Gave up a connection of {} that was not introduced yet.", peer.ToString()));
     return true;
 }

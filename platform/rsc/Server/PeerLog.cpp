@@ -5,9 +5,8 @@
 namespace Vela::System::Rsc
 {
 
-PeerLog::PeerLog(const char* whatIsRefused, Writer textWriter)
-    : subject(whatIsRefused)
-    , writer(textWriter != nullptr ? textWriter : [](const String& text) { log.Warning("{0}", text); })
+PeerLog::PeerLog(Writer textWriter)
+    : writer(textWriter != nullptr ? textWriter : [](const String& text) { log.Warning("{0}", text); })
 {
 }
 
@@ -16,12 +15,12 @@ PeerLog::~PeerLog()
     EndPeriods();
 }
 
-void PeerLog::Warn(const ConnectionPeer& peer, const String& text)
+void PeerLog::Warn(const ConnectionPeer& peer, const String& subject, const String& text)
 {
     const auto now = Clock::now();
     const std::lock_guard lock(mutex);
     EndPeriodsBefore(now);
-    Account& account = accounts.try_emplace(peer, Account{now, 0, 0}).first->second;
+    Account& account = accounts.try_emplace({peer, subject}, Account{now, 0, 0}).first->second;
     if (account.written == maxPerPeriod)
     {
         ++account.leftOut;
@@ -39,24 +38,21 @@ void PeerLog::EndPeriods()
 
 void PeerLog::EndPeriodsBefore(Clock::time_point end)
 {
-    for (auto account = accounts.begin(); account != accounts.end();)
+    for (auto entry = accounts.begin(); entry != accounts.end();)
     {
-        if (end - account->second.begin < period)
+        const auto& [peer, subject] = entry->first;
+        const Account& account = entry->second;
+        if (end - account.begin < period)
         {
-            ++account;
+            ++entry;
             continue;
         }
-        ReportLeftOut(account->first, account->second);
-        account = accounts.erase(account);
-    }
-}
-
-void PeerLog::ReportLeftOut(const ConnectionPeer& peer, const Account& account) const
-{
-    if (account.leftOut > 0)
-    {
-        writer(fmt::format("{0} more warnings about {1} of {2} were left out.", account.leftOut, subject,
-                           peer.ToString()));
+        if (account.leftOut > 0)
+        {
+            writer(fmt::format("{0} more warnings about {1} of {2} were left out.", account.leftOut, subject,
+                               peer.ToString()));
+        }
+        entry = accounts.erase(entry);
     }
 }
 

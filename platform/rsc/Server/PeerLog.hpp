@@ -9,26 +9,30 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
+#include <utility>
 
 namespace Vela::System::Rsc
 {
 
+/// What warnings about refused and closed connections are about.
+inline constexpr const char* connectionsSubject = "connections";
+
 /// Warnings about clients that were refused something. A client that never stops must not fill the log: of one peer's
-/// warnings only the first few of a period are written, the others are counted. Thread-safe.
+/// warnings about the same thing only the first few of a period are written, the others are counted. Thread-safe.
 class PeerLog : private Commons::Diagnostics::Loggable<PeerLog>
 {
 public:
     using Writer = void (*)(const String& text);
 
-    /// @param whatIsRefused  such as "connections", for the count of what was left out
     /// @param textWriter  logs a text; null: as this class's own warning
-    explicit PeerLog(const char* whatIsRefused, Writer textWriter = nullptr);
+    explicit PeerLog(Writer textWriter = nullptr);
     PeerLog(const PeerLog&) = delete;
     PeerLog& operator=(const PeerLog&) = delete;
     /// Writes what is still only counted.
     ~PeerLog();
 
-    void Warn(const ConnectionPeer& peer, const String& text);
+    /// @param subject  what it is about, such as "connections"; there must be a bounded number of them
+    void Warn(const ConnectionPeer& peer, const String& subject, const String& text);
     /// Writes what is still only counted, and begins anew.
     void EndPeriods();
 
@@ -46,12 +50,10 @@ private:
     };
 
     void EndPeriodsBefore(Clock::time_point end);
-    void ReportLeftOut(const ConnectionPeer& peer, const Account& account) const;
 
-    const char* const subject;
     const Writer writer;
     std::mutex mutex;
-    std::map<ConnectionPeer, Account> accounts;
+    std::map<std::pair<ConnectionPeer, String>, Account> accounts;
 };
 
 } // namespace Vela::System::Rsc

@@ -69,7 +69,8 @@ void ServerConnection::Serve() noexcept
 
 void ServerConnection::LogEnd(const String& reason) const
 {
-    server->peerLog->Warn(peer, fmt::format("Closed the connection of {}: {}", caller.ToString(), reason));
+    server->peerLog->Warn(peer, connectionsSubject,
+                          fmt::format("Closed the connection of {}: {}", caller.ToString(), reason));
 }
 
 void ServerConnection::Authenticate()

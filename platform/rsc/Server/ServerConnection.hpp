@@ -33,7 +33,7 @@ struct ServerData
     std::shared_ptr<const AccessControl> accessControl;
     /// Set when there is a TCP endpoint.
     std::shared_ptr<const Secret> secret;
-    const std::unique_ptr<PeerLog> peerLog = std::make_unique<PeerLog>("connections");
+    const std::unique_ptr<PeerLog> peerLog = std::make_unique<PeerLog>();
 };
 
 /// Serves one client, call by call, on one thread.

@@ -13,8 +13,8 @@
 namespace Vela::System::Commons::Threading
 {
 
-/// A thread that calls one function again and again, waiting its idle time between the calls; the wait ends early when
-/// the worker is stopped or woken. The first call comes at once.
+/// A thread that calls one function again and again, waiting its idle time between the calls, at least a millisecond;
+/// the wait ends early when the worker is stopped or woken. The first call comes at once.
 ///
 /// Thread-safe. An exception out of the function ends the process through the terminate handler.
 class VELA_COMMONS_API WorkerThread
