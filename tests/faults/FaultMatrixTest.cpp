@@ -23,9 +23,17 @@ namespace
 /// The cells wait more than they work.
 constexpr unsigned cellsAtATime = 4;
 
+/// A long run tells after so many cells that it goes on.
+constexpr std::size_t cellsPerReport = 100;
+
+const char* GetWantedCells()
+{
+    return std::getenv("VELA_FAULT_CELLS");
+}
+
 std::vector<FaultCell> SelectCells()
 {
-    const char* wanted = std::getenv("VELA_FAULT_CELLS");
+    const char* wanted = GetWantedCells();
     if (wanted == nullptr)
     {
         return ListSliceOfCells();
@@ -43,6 +51,7 @@ TEST(FaultMatrix, EveryCellEndsAsItMust)
     const std::vector<FaultCell> cells = SelectCells();
     ASSERT_FALSE(cells.empty());
     std::mutex mutex;
+    std::size_t done = 0;
     std::vector<std::string> failures;
     std::atomic<std::size_t> next{0};
     const auto work = [&]
@@ -54,6 +63,10 @@ TEST(FaultMatrix, EveryCellEndsAsItMust)
             if (!failure.empty())
             {
                 failures.push_back(failure);
+            }
+            if (++done % cellsPerReport == 0 && GetWantedCells() != nullptr)
+            {
+                std::cerr << done << "/" << cells.size() << " cells, " << failures.size() << " failed\n";
             }
         }
     };
