@@ -171,15 +171,20 @@ std::string FaultCell::GetKilledProcess() const
     }
 }
 
-bool FaultCell::IsLeftToTheWatchdog() const
+bool FaultCell::KillsChild() const
 {
     const std::string killed = GetKilledProcess();
-    if (killed.empty() || killed == "MainProcess" || phase == Phase::Connect)
+    return !killed.empty() && killed != "MainProcess";
+}
+
+bool FaultCell::IsLeftToTheWatchdog() const
+{
+    if (!KillsChild() || phase == Phase::Connect)
     {
         return false;
     }
     // Another process than the one that is called has ended, so no call fails.
-    return killed != GetProcess() || !isRequired;
+    return GetKilledProcess() != GetProcess() || !isRequired;
 }
 
 std::vector<FaultCell> ListCells()

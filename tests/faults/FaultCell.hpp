@@ -99,6 +99,7 @@ struct FaultCell
     [[nodiscard]] bool IsFatalThrow() const;
     /// The fault ends a process, and which one; empty when it ends none.
     [[nodiscard]] std::string GetKilledProcess() const;
+    [[nodiscard]] bool KillsChild() const;
     /// A child ends while the watchdog looks, and it is the watchdog that ends the system. The other half of the cells
     /// in which a child ends lets it sleep, so that the failed call decides.
     [[nodiscard]] bool IsLeftToTheWatchdog() const;

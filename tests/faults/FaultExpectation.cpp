@@ -390,6 +390,10 @@ FaultExpectation::FaultExpectation(const FaultCell& cell)
             absentTexts.emplace_back("Error");
         }
     }
+    if (outcome == Outcome::MainDies)
+    {
+        absentTexts.emplace_back("has exited unexpectedly.");
+    }
 }
 
 bool FaultExpectation::MayLeaveNames() const

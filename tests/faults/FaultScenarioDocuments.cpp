@@ -31,7 +31,8 @@ void FaultScenario::WriteDocuments(bool isHealthy) const
     const bool isStartLimited = !isHealthy && cell.phase == Phase::Connect && cell.fault == Fault::Hang;
     // Processes that have not answered cannot be asked to end.
     const bool isNeverAsked = !isHealthy && expected.outcome == Outcome::NeverStarts;
-    const bool isWatched = isHealthy || cell.IsLeftToTheWatchdog();
+    // Asleep only where it is a failed call that is to find the child gone.
+    const bool isWatched = isHealthy || !cell.KillsChild() || cell.IsLeftToTheWatchdog();
     system.WriteSettings(
         std::string("<ProcessSettings singleProcess='false' watchdogDelayTime='0ms' watchdogIdleTime='") +
         (isWatched ? "5ms" : "1h") + "' startWaitTime='" + (isStartLimited ? "300ms" : "1min") + "' stopWaitTime='" +
