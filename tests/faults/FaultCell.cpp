@@ -87,12 +87,6 @@ const Exclusion exclusions[] = {
      {
          return cell.phase == Phase::Idle && cell.fault == Fault::TerminateTwice;
      }},
-    {"Necessity is a property of components, so it means nothing before they are created.",
-     [](const FaultCell& cell)
-     {
-         const Group group = cell.GetPhase().group;
-         return (group == Group::Before || group == Group::Create) && !cell.isRequired;
-     }},
 };
 
 } // namespace
@@ -184,7 +178,12 @@ bool FaultCell::IsLeftToTheWatchdog() const
         return false;
     }
     // Another process than the one that is called has ended, so no call fails.
-    return GetKilledProcess() != GetProcess() || !isRequired;
+    if (GetKilledProcess() != GetProcess())
+    {
+        return true;
+    }
+    // What cannot be loaded or created ends the set-up at once, required or not: nothing holds the main process then.
+    return !isRequired && phase > Phase::Create;
 }
 
 std::vector<FaultCell> ListCells()
