@@ -1,6 +1,10 @@
 #include "FaultExpectation.hpp"
 
+#include <algorithm>
 #include <csignal>
+#include <map>
+#include <sstream>
+#include <utility>
 
 namespace Vela::Testing
 {
@@ -59,18 +63,30 @@ bool HasWalk(const FaultCell& cell, const Walk& walk)
     return walk.last != Phase::PowerDown || cell.phase == Phase::PowerDown;
 }
 
-/// All steps of an undisturbed life.
-Steps GetWhole(const FaultCell& cell)
+/// All steps of an undisturbed life up to a phase.
+Steps GetUpTo(const FaultCell& cell, Phase last)
 {
     Steps steps{"Create"};
     for (const Walk& walk : walks)
     {
-        if (HasWalk(cell, walk))
+        if (HasWalk(cell, walk) && walk.last <= last)
         {
             Append(steps, walk.steps);
         }
     }
     return steps;
+}
+
+Steps GetWhole(const FaultCell& cell)
+{
+    return GetUpTo(cell, Phase::Destroy);
+}
+
+std::string GetProcess(const FaultCell& cell, Rank rank)
+{
+    return rank == Rank::First    ? cell.GetFirstProcess()
+           : rank == Rank::Faulty ? cell.GetProcess()
+                                  : cell.GetLastProcess();
 }
 
 /// Processes are walked by name for creation.
@@ -82,10 +98,7 @@ bool IsCreatedAtFault(const FaultCell& cell, const std::string& process)
 /// What a component has been through when the faulty one is inside its step.
 Steps GetMoment(const FaultCell& cell, Rank rank)
 {
-    const std::string process = rank == Rank::First    ? cell.GetFirstProcess()
-                                : rank == Rank::Faulty ? cell.GetProcess()
-                                                       : cell.GetLastProcess();
-    if (!IsCreatedAtFault(cell, process))
+    if (!IsCreatedAtFault(cell, GetProcess(cell, rank)))
     {
         return {};
     }
@@ -135,6 +148,23 @@ Steps GetTakenBack(const FaultCell& cell, Rank rank)
                   : hasSettings ? Steps{"Dispose", "Destroy"}
                                 : Steps{"Destroy"});
     return steps;
+}
+
+/// How far a component comes at most before the watchdog ends it.
+Steps GetFarthest(const FaultCell& cell, Rank rank)
+{
+    if (rank == Rank::Faulty || cell.GetKilledProcess() != cell.GetProcess())
+    {
+        // It is gone with its process; or it lives, and holds the walk if there is one.
+        return GetMoment(cell, rank);
+    }
+    if (cell.IsBackward() && rank == Rank::Last && cell.GetLastProcess() == "MainProcess")
+    {
+        // The first component, which holds the walk, is killed before the main process is.
+        return GetWhole(cell);
+    }
+    // Nobody has asked for a shutdown, or the first component holds it.
+    return GetUpTo(cell, std::max(cell.phase, Phase::Start));
 }
 
 std::string DescribeThrown(const FaultCell& cell, const std::string& describes)
@@ -239,11 +269,65 @@ ExpectedSteps GetSteps(const FaultCell& cell, Outcome outcome, Rank rank)
     case Outcome::SetupFails:
         return Exactly(GetTakenBack(cell, rank));
     case Outcome::WatchdogEnds:
-        return {Join(moment), Join(rank == Rank::Faulty ? moment : GetWhole(cell))};
+        return {Join(moment), Join(GetFarthest(cell, rank))};
     case Outcome::MainDies:
         break;
     }
     return Exactly(moment);
+}
+
+/// When a component takes a step: in which walk, and its turn in that.
+std::pair<Phase, int> GetTurn(const FaultCell& cell, Outcome outcome, Rank rank, const std::string& step)
+{
+    if (step == "Create")
+    {
+        // L, M, R: processes are walked by name.
+        return {Phase::Create, GetProcess(cell, rank).front()};
+    }
+    const auto* const walk =
+        std::find_if(std::begin(walks), std::end(walks),
+                     [&](const Walk& other)
+                     { return std::find(other.steps.begin(), other.steps.end(), step) != other.steps.end(); });
+    const int turn = static_cast<int>(rank);
+    if (walk->last < Phase::Idle)
+    {
+        return {walk->last, turn};
+    }
+    if (outcome == Outcome::RemovesFaulty && rank == Rank::Faulty)
+    {
+        // At the end of the walk in which it has failed.
+        const auto* const failed = std::find_if(std::begin(walks), std::end(walks),
+                                                [&](const Walk& other) { return other.last >= cell.phase; });
+        return {failed->last, static_cast<int>(Rank::Last) + 1};
+    }
+    return {walk->last, -turn};
+}
+
+std::optional<std::string> GetTrace(const FaultCell& cell, Outcome outcome,
+                                    const std::map<Rank, ExpectedSteps>& components)
+{
+    static const std::map<Rank, std::string> names{
+        {Rank::First, "First"}, {Rank::Faulty, "Faulty"}, {Rank::Last, "Last"}};
+    std::multimap<std::pair<Phase, int>, std::string> lines;
+    for (const auto& [rank, expected] : components)
+    {
+        if (expected.least != expected.most)
+        {
+            return std::nullopt;
+        }
+        std::istringstream steps(expected.most);
+        for (std::string step; steps >> step;)
+        {
+            lines.emplace(GetTurn(cell, outcome, rank, step),
+                          GetProcess(cell, rank) + " " + names.at(rank) + " " + step + "\n");
+        }
+    }
+    std::string trace;
+    for (const auto& [turn, line] : lines)
+    {
+        trace += line;
+    }
+    return trace;
 }
 
 /// The backward phases that a lost component fails in, one after the other.
@@ -378,6 +462,7 @@ FaultExpectation::FaultExpectation(const FaultCell& cell)
     , first(GetSteps(cell, outcome, Rank::First))
     , faulty(GetSteps(cell, outcome, Rank::Faulty))
     , last(GetSteps(cell, outcome, Rank::Last))
+    , trace(GetTrace(cell, outcome, {{Rank::First, first}, {Rank::Faulty, faulty}, {Rank::Last, last}}))
     , lines(GetLines(cell, outcome))
     , leavesRecord(LeavesRecord(cell, outcome))
 {

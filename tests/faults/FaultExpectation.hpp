@@ -2,6 +2,7 @@
 
 #include "FaultCell.hpp"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,9 @@ struct FaultExpectation
     ExpectedSteps first;
     ExpectedSteps faulty;
     ExpectedSteps last;
+    /// The lines of the three in the trace, in the order of the whole system; none where processes end at their own
+    /// pace.
+    std::optional<std::string> trace;
     std::vector<std::string> lines;
     std::vector<std::string> absentTexts;
     /// A process crashes, or a set-up fails.

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 
 // Some versions of the C library declare these without regard to C++.
@@ -268,11 +269,28 @@ void FaultScenario::Check()
     check("First", expected.first);
     check("Faulty", expected.faulty);
     check("Last", expected.last);
+    if (expected.trace)
+    {
+        const std::string actual = ReadTraceOfComponents();
+        Require(actual == *expected.trace, "the steps came as\n" + actual + "  instead of as\n" + *expected.trace);
+    }
     if (!expected.MayLeaveNames())
     {
         CheckLeftovers("at the end");
     }
     CheckRecord("at the end");
+}
+
+std::string FaultScenario::ReadTraceOfComponents() const
+{
+    std::istringstream trace(system.directory.Read("trace"));
+    std::string text;
+    for (std::string line; std::getline(trace, line);)
+    {
+        const bool isOfLibrary = line.starts_with("-");
+        text += isOfLibrary ? "" : line + "\n";
+    }
+    return text;
 }
 
 void FaultScenario::CheckNextStart()

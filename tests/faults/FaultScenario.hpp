@@ -39,6 +39,7 @@ private:
     /// Ends the system unless the fault does.
     void Finish();
     void Check();
+    [[nodiscard]] std::string ReadTraceOfComponents() const;
     void CheckNextStart();
     /// Records stay, also those of earlier lives.
     void CheckRecord(const std::string& when);
