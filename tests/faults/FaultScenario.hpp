@@ -43,7 +43,7 @@ private:
     void CheckNextStart();
     /// Records stay, also those of earlier lives.
     void CheckRecord(const std::string& when);
-    void CheckLeftovers(const std::string& when);
+    void CheckLeftovers(const std::string& when, bool mayLeaveNames);
 
     void Require(bool isMet, const std::string& what);
     [[nodiscard]] pid_t FindProcess(const std::string& name) const;
