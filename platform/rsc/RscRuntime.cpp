@@ -97,9 +97,18 @@ RscRuntime::RscRuntime(const String& name, int requestedPort, const RscManagerOp
         directory->RemoveLeftovers();
     }
     OpenEndpoint(requestedPort);
-    // Child processes find the directory even when it is relative or was chosen here.
-    Environment::SetVariable(Environment::runtimeDirectoryName, directory->GetPath());
-    log.Debug("Process '{0}' listens in runtime directory '{1}'.", applicationName, directory->GetPath());
+    try
+    {
+        // Child processes find the directory even when it is relative or was chosen here.
+        Environment::SetVariable(Environment::runtimeDirectoryName, directory->GetPath());
+        log.Debug("Process '{0}' listens in runtime directory '{1}'.", applicationName, directory->GetPath());
+    }
+    catch (...)
+    {
+        // What never came to be is not destroyed.
+        Close();
+        throw;
+    }
 }
 
 RscRuntime::~RscRuntime()
