@@ -97,6 +97,7 @@ class EnduranceTest : public SystemTest
 protected:
     /// The rounds in which a process still finds its size.
     static constexpr int warmUp = 10;
+    static constexpr int roundsPerReport = 100;
 
     /// Runs the function `rounds` times and compares what the process holds after the warm-up and at the end.
     template <typename Function>
@@ -109,6 +110,10 @@ protected:
             if (round + 1 == warmUp)
             {
                 before = Holdings::Of(process);
+            }
+            if ((round + 1) % roundsPerReport == 0)
+            {
+                std::cerr << round + 1 << " of " << rounds << " rounds\n";
             }
         }
         // A connection that has just been closed may still be on its way out.

@@ -81,15 +81,30 @@ public:
     /// Empty when it ended as it must.
     [[nodiscard]] std::string Judge(int status) const
     {
-        const bool isOver = WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == 1);
         const std::string output = system.directory.Read("output");
-        const bool isExplained = !isOver || WEXITSTATUS(status) == 0 || output.find("bad_alloc") != std::string::npos;
         // A constructor or destructor of an object with static storage cannot fail without its process.
-        if ((isOver && isExplained) || (IsLoadersStack(output) && WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT))
+        if (IsLoadersStack(output) && WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT)
         {
             return {};
         }
-        return "allocation " + std::to_string(ordinal) + " failed, status " + std::to_string(status) + "\n" + output;
+        const auto says = [&output](const char* text)
+        {
+            return output.find(text) != std::string::npos;
+        };
+        const bool isFailure = WIFEXITED(status) && WEXITSTATUS(status) == 1;
+        const bool isExplained = status == 0 || (isFailure && says("bad_alloc"));
+        // What fails before the set-up, or when all components and processes are down, is no case for a record.
+        const bool isRecordDue =
+            isFailure && says(says(isUp) ? "while shutting down the system" : "Fatal error occurs in application");
+        const std::string record = system.TakeCrashRecord();
+        const bool isRecordRight = isRecordDue ? record.starts_with("reason: ") : record == "no record";
+        const std::string leftovers = system.FindLeftovers();
+        if (isExplained && isRecordRight && leftovers.empty())
+        {
+            return {};
+        }
+        return "allocation " + std::to_string(ordinal) + " failed, status " + std::to_string(status) +
+               ", left behind '" + leftovers + "' and " + record + "\n" + output;
     }
 
     [[nodiscard]] long GetCount() const
@@ -136,7 +151,7 @@ private:
         {
             Host host("MainProcess", true, false, true);
             exitCode = host.Main(1, arguments.data(), System::Commons::Diagnostics::LogLevel::None);
-            host.Dispose();
+            exitCode = host.Dispose() ? exitCode : 1;
         }
         catch (const std::exception& exception)
         {
@@ -164,6 +179,8 @@ TEST(Allocation, NoFailureLeavesAProcessThatCrashesOrHangs)
     const long stride = std::getenv("VELA_ENDURE") == nullptr ? count / ordinaryRuns : 1;
     constexpr std::size_t runsAtATime = 4;
     std::map<pid_t, std::unique_ptr<StarvedSystem>> runs;
+    constexpr int runsPerReport = 100;
+    int ended = 0;
     int failures = 0;
     for (long ordinal = 1; ordinal <= count || !runs.empty();)
     {
@@ -175,9 +192,13 @@ TEST(Allocation, NoFailureLeavesAProcessThatCrashesOrHangs)
             ordinal += stride;
             continue;
         }
-        const pid_t ended = waitpid(-1, &status, 0);
-        const std::string failure = runs.at(ended)->Judge(status);
-        runs.erase(ended);
+        const pid_t process = waitpid(-1, &status, 0);
+        const std::string failure = runs.at(process)->Judge(status);
+        runs.erase(process);
+        if (++ended % runsPerReport == 0)
+        {
+            std::cerr << ended << " of " << count / stride << " runs\n";
+        }
         if (!failure.empty() && ++failures <= 20)
         {
             ADD_FAILURE() << failure;
