@@ -4,8 +4,11 @@
 
 #include <SystemFixture.hpp>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <tuple>
 
 namespace Vela::Testing
 {
@@ -147,6 +150,38 @@ TEST_F(RequestTest, ASignalWhileARestartTakesTheSystemDownEndsIt)
         OpenGate();
         ExpectOrderlyEnd(main);
         EXPECT_EQ(GetSteps("InLeft"), whole) << step;
+    }
+}
+
+TEST_F(RequestTest, OnTheWayDownAShutdownWithdrawsARestartAndARestartComesTooLateForAShutdown)
+{
+    const std::tuple<std::string, std::string, int> cases[] = {
+        {"Shutdown", "Restart", 1}, {"Restart", "Shutdown", 1}, {"Restart", "Restart", 2}};
+    for (const char* component : {"InLeft", "InMain"})
+    {
+        for (const std::string& step : backwardSteps)
+        {
+            for (const auto& [first, second, runs] : cases)
+            {
+                SCOPED_TRACE(fmt::format("{}, then {} from {} at {}", first, second, component, step));
+                system.directory.Write("trace", "");
+                WriteScript(fmt::format("InLeft Start request {0}\n{1} {2} await {3}\n{1} {2} attempt request {4}\n",
+                                        first, component, step, gate, second));
+                StartedProcess main = system.Start();
+                main.AwaitLine(fmt::format("{} takes step {}", component, step));
+                WriteScript("");
+                OpenGate();
+                if (runs > 1)
+                {
+                    main.AwaitLine(isUp);
+                    main.Signal(SIGTERM);
+                }
+                ExpectOrderlyEnd(main);
+                EXPECT_TRUE(main.HasOutput("attempted 'request " + second + "'.")) << main.GetOutput();
+                EXPECT_EQ(GetSteps("InLeft"), Repeat(whole, runs));
+                EXPECT_EQ(GetSteps("InMain"), Repeat(whole, runs));
+            }
+        }
     }
 }
 
