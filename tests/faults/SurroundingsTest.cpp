@@ -3,6 +3,7 @@
 #include <Emulation.hpp>
 #include <SystemFixture.hpp>
 #include <elf.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -75,14 +76,15 @@ TEST_F(SurroundingsTest, AFullDiskTakesTheLogButNotTheSystem)
 {
     mkdir((system.directory / "log").c_str(), S_IRWXU);
     system.WriteSettings("<LogSettings logDir='log'/>");
+    const std::string gate = system.directory / "gate";
+    ASSERT_EQ(mkfifo(gate.c_str(), S_IRUSR | S_IWUSR), 0);
+    WriteScript("InMain Start await " + gate + "\n");
     // Room for one block: the first lines fit, no others do.
     StartedProcess main = StartWithMount("mount -t tmpfs -o size=4k tmpfs log && dd if=/dev/zero of=log/filler bs=3k "
                                          "count=1 2>/dev/null && echo mounted");
     main.AwaitLine("mounted");
-    while (GetSteps("InMain").find("Start") == std::string::npos)
-    {
-        std::this_thread::yield();
-    }
+    // The log cannot tell how far it is.
+    close(open(gate.c_str(), O_WRONLY | O_CLOEXEC));
     main.Signal(SIGTERM);
     EXPECT_EQ(main.AwaitEnd(), 0) << main.GetOutput();
     EXPECT_TRUE(GetSteps("InMain").ends_with("Start Stop ResetConfig Dispose Destroy")) << GetSteps("InMain");
@@ -197,6 +199,33 @@ TEST_F(SurroundingsTest, ALibraryThatCrashesInItsInitialiserTakesItsProcessAndTh
     const std::string record = system.TakeCrashRecord();
     EXPECT_NE(record.find(": failed set-up\n"), std::string::npos) << record;
     EXPECT_EQ(system.FindLeftovers(), "");
+}
+
+TEST_F(SurroundingsTest, ALibraryThatCrashesInTheMainProcessLeavesNothingThatHindersTheNextStart)
+{
+    AddSanitizerOptions("handle_segv=0");
+    const std::string whole = system.directory.Read("Default.kiro.config");
+    std::string broken = whole;
+    broken.insert(broken.find("<Library "), "<Library name='Broken' binaryPath='" +
+                                                TestSystem::GetBuiltFile("lib/libCrashingInitialiser.so") + "'/>");
+    broken.insert(broken.find("<Component "),
+                  "<Component name='C' type='Recorder' library='Broken' process='MainProcess'/>");
+    system.directory.Write("Default.kiro.config", broken);
+    StartedProcess crashed = system.Start();
+    EXPECT_EQ(crashed.AwaitEnd(), -SIGSEGV) << crashed.GetOutput();
+    EXPECT_TRUE(crashed.HasOutput("Library 'Recording' in process 'Left' loaded.")) << crashed.GetOutput();
+    const std::string record = system.TakeCrashRecord();
+#ifdef VELA_SANITIZED
+    EXPECT_EQ(record, "no record");
+#else
+    EXPECT_NE(record.find("\nprocess: MainProcess\n"), std::string::npos) << record;
+    EXPECT_NE(record.find("\nsignal: SIGSEGV "), std::string::npos) << record;
+#endif
+    EXPECT_NE(system.FindLeftovers(), "") << "it had no time to take anything away";
+    system.directory.Write("Default.kiro.config", whole);
+    StartedProcess next = system.Start();
+    EndInOrder(next);
+    EXPECT_EQ(system.FindLeftovers(), "") << next.GetOutput();
 }
 
 TEST_F(SurroundingsTest, DocumentsCutOffAnywhereEndTheStartWithTheirNames)
