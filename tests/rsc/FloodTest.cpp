@@ -5,6 +5,7 @@
 #include <Vela/System/Rsc/RscCaller.hpp>
 
 #include <CapturedLog.hpp>
+#include <ThreadRest.hpp>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -175,6 +176,34 @@ TEST_F(Flood, TcpClientsLeaveHalfOfTheConnectionsToTheSystem)
     }
     ExpectService();
 }
+
+#ifndef VELA_SANITIZED
+// A sanitizer itself needs descriptors.
+TEST_F(Flood, AProcessWithoutDescriptorsWarnsOnceAndLetsClientsInWhenItHasSomeAgain)
+{
+    Open();
+    Peer& server = StartPeer("Server");
+    const auto service = GetService("Server");
+    const pid_t process = server.GetProcess().GetId();
+    rlimit ordinary{};
+    ASSERT_EQ(::prlimit(process, RLIMIT_NOFILE, nullptr, &ordinary), 0);
+    // None is left behind its standard streams and another one. With fewer than it waits for it could not even wait.
+    const rlimit exhausted{4, ordinary.rlim_max};
+    ASSERT_EQ(::prlimit(process, RLIMIT_NOFILE, &exhausted, nullptr), 0);
+    RawClient waiting(directory / "Server.socket");
+    server.Await("Cannot accept connections: Too many open files");
+    EXPECT_EQ(service->Add(1, 2), 3) << "those that it has are served on";
+    // It goes to sleep between its attempts.
+    const auto attempts = Vela::Testing::CountSleeps(process, "rsc-accept");
+    Await([&] { return Vela::Testing::CountSleeps(process, "rsc-accept") >= attempts + 5; });
+
+    ASSERT_EQ(::prlimit(process, RLIMIT_NOFILE, &ordinary, nullptr), 0);
+    EXPECT_TRUE(waiting.Introduce());
+    EXPECT_TRUE(RawClient(directory / "Server.socket").Introduce());
+    server.End();
+    EXPECT_EQ(server.GetProcess().CountOutput("Cannot accept connections"), 1) << server.GetProcess().GetOutput();
+}
+#endif
 
 TEST_F(Flood, AnnouncedSizesTakeNoMemory)
 {

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -40,6 +41,26 @@ inline void AwaitRest(pid_t process, const std::string& threadName)
     {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+}
+
+/// How often a thread of that name has gone to sleep.
+inline long CountSleeps(pid_t process, const std::string& threadName)
+{
+    const std::string title = "voluntary_ctxt_switches:";
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task"))
+    {
+        std::ifstream status(task.path() / "status");
+        bool isWanted = false;
+        for (std::string line; std::getline(status, line);)
+        {
+            isWanted = isWanted || line == "Name:\t" + threadName;
+            if (isWanted && line.starts_with(title))
+            {
+                return std::stol(line.substr(title.size()));
+            }
+        }
+    }
+    throw std::runtime_error("There is no thread " + threadName);
 }
 
 /// Stops a process and returns when none of its threads runs any more: the signal alone lets them go on until one of
