@@ -46,7 +46,7 @@ OracleRange OracleRange::Get(std::uint64_t defaultCount)
     defaultCount = std::max<std::uint64_t>(defaultCount / 10, 1);
 #endif
     defaultCount = std::max<std::uint64_t>(defaultCount * GetNumber("VELA_ORACLE_PERCENT", 100) / 100, 1);
-    return {GetNumber("VELA_ORACLE_SEED", 1), GetNumber("VELA_ORACLE_COUNT", defaultCount)};
+    return {GetNumber("VELA_ORACLE_SEED", defaultFirstSeed), GetNumber("VELA_ORACLE_COUNT", defaultCount)};
 }
 
 std::string DescribeDifference(const Trace& predicted, const Trace& observed)
