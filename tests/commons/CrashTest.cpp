@@ -34,11 +34,18 @@ struct CrashCase
 };
 
 const CrashCase crashCases[] = {
-    {"null", SIGSEGV, "SIGSEGV (11)", "0x0"},  {"jump", SIGSEGV, "SIGSEGV (11)", "0x0"},
-    {"overflow", SIGSEGV, "SIGSEGV (11)", ""}, {"abort", SIGABRT, "SIGABRT (6)", ""},
-    {"bus", SIGBUS, "SIGBUS (7)", ""},         {"raise", SIGFPE, "SIGFPE (8)", ""},
-    {"crowd", SIGSEGV, "SIGSEGV (11)", "0x0"}, {"unheard", SIGSEGV, "SIGSEGV (11)", "0x0"},
+    {"null", SIGSEGV, "SIGSEGV (11)", "0x0"},
+    {"jump", SIGSEGV, "SIGSEGV (11)", "0x0"},
+    {"overflow", SIGSEGV, "SIGSEGV (11)", ""},
+    {"abort", SIGABRT, "SIGABRT (6)", ""},
+    {"bus", SIGBUS, "SIGBUS (7)", ""},
+    {"raise", SIGFPE, "SIGFPE (8)", ""},
+    {"crowd", SIGSEGV, "SIGSEGV (11)", "0x0"},
+    {"unheard", SIGSEGV, "SIGSEGV (11)", "0x0"},
+#ifndef __arm__
+    // The emulator that runs the tests for ARM tells of the crash there as well, and waits until that is read.
     {"stuck", SIGSEGV, "SIGSEGV (11)", "0x0"},
+#endif
 };
 
 } // namespace
