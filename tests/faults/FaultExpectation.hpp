@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FaultCell.hpp"
+#include "FaultSteps.hpp"
 
 #include <optional>
 #include <string>
@@ -8,27 +8,6 @@
 
 namespace Vela::Testing
 {
-
-/// The steps of one component. Where processes end at their own pace its trace lies between two bounds; elsewhere these
-/// are the same.
-struct ExpectedSteps
-{
-    std::string least;
-    std::string most;
-
-    [[nodiscard]] bool Matches(const std::string& steps) const;
-};
-
-/// How a system ends.
-enum class Outcome
-{
-    EndsInOrder,   ///< comes up, and everything is taken down
-    RemovesFaulty, ///< the same without the faulty component
-    NeverStarts,   ///< its processes do not all come up
-    SetupFails,    ///< what was set up is taken back
-    WatchdogEnds,  ///< the main process kills all and aborts
-    MainDies,      ///< everything stops where it is
-};
 
 /// What must come of a cell.
 struct FaultExpectation
